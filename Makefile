@@ -1,0 +1,44 @@
+# The commands people type. CMake does the building; this file makes sure the
+# tools are there and runs the tests the way CI does.
+
+BUILD_DIR      ?= build
+ASAN_BUILD_DIR ?= build-asan
+JOBS           ?= 2
+CMAKE_ENV       = CC=clang CXX=clang++ OBJC=clang OBJCXX=clang++
+XVFB            = xvfb-run -a -s "-screen 0 1024x768x24"
+# A private temp dir: GNUstep's helper daemons (gdnc, gpbs) live under it.
+TEST_ENV        = TMPDIR=$(abspath $(BUILD_DIR))/tmp GNUSTEP_USER_ROOT=$(abspath $(BUILD_DIR))/GNUstep
+
+REQUIRED_TOOLS = clang cmake gnustep-config xvfb-run
+MISSING = $(strip $(foreach t,$(REQUIRED_TOOLS),$(if $(shell command -v $(t) 2>/dev/null),,$(t))))
+
+.PHONY: all deps build check check-asan demo clean
+
+all: build
+
+deps:
+ifneq ($(MISSING),)
+	@echo "Missing: $(MISSING); installing dependencies"
+	tools/install-deps
+else
+	@if [ ! -f /usr/include/gtest/gtest.h ] || [ ! -f /usr/include/Block.h ]; then tools/install-deps; fi
+endif
+
+$(BUILD_DIR)/Makefile: | deps
+	$(CMAKE_ENV) cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Debug
+
+build: deps $(BUILD_DIR)/Makefile
+	cmake --build $(BUILD_DIR) -j$(JOBS)
+
+check: build
+	@mkdir -p $(BUILD_DIR)/tmp
+	cd $(BUILD_DIR) && $(TEST_ENV) $(XVFB) ctest --output-on-failure -j$(JOBS)
+
+check-asan: deps
+	$(CMAKE_ENV) cmake -S . -B $(ASAN_BUILD_DIR) -DCMAKE_BUILD_TYPE=Debug -DTALVO_SANITIZE=ON
+	cmake --build $(ASAN_BUILD_DIR) -j$(JOBS)
+	@mkdir -p $(ASAN_BUILD_DIR)/tmp
+	cd $(ASAN_BUILD_DIR) && TMPDIR=$(abspath $(ASAN_BUILD_DIR))/tmp $(XVFB) ctest --output-on-failure -j$(JOBS)
+
+clean:
+	rm -rf $(BUILD_DIR) $(ASAN_BUILD_DIR)

@@ -1,0 +1,32 @@
+// Talvo: a user-interface toolkit for AppKit applications.
+// The umbrella header: the version symbols and every public header.
+#import <AppKit/AppKit.h>
+
+#import <Talvo/TalvoExport.h>
+
+/** "@(#)PROGRAM:Talvo  PROJECT:TalvoFramework-1" followed by a line feed. */
+TALVO_EXTERN const unsigned char TalvoVersionString[];
+/** 1.0 */
+TALVO_EXTERN const double TalvoVersionNumber;
+
+// Bindings, transformers and collection utilities
+#import <Talvo/VXObservationCenter.h>
+#import <Talvo/NSObject+TwoWayBinding.h>
+#import <Talvo/VXLocalizer.h>
+#import <Talvo/VXCollectionIsEmpty.h>
+#import <Talvo/VXCollectionNotEmpty.h>
+#import <Talvo/VXCollectionContainsMutipleElements.h>
+#import <Talvo/VXValidIndexValueTransformer.h>
+#import <Talvo/VXOrderedSetArrayValueTransformer.h>
+#import <Talvo/VXIndexSetIndexValueTransformer.h>
+#import <Talvo/VXObjectToArrayValueTransformer.h>
+#import <Talvo/VXSetArrayValueTransformer.h>
+#import <Talvo/VXStringToAttributedString.h>
+#import <Talvo/NSArray+Indexes.h>
+#import <Talvo/NSOrderedSet+Indexes.h>
+#import <Talvo/NSSet+Indexes.h>
+#import <Talvo/NSAttributedString+Trim.h>
+#import <Talvo/NSDictionary+HttpString.h>
+#import <Talvo/NSCalendar+Day.h>
+#import <Talvo/NSUndoManager+UndoWithoutRedo.h>
+#import <Talvo/NSEvent+Shortcuts.h>

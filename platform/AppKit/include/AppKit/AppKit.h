@@ -1,0 +1,9 @@
+/*
+ * <AppKit/AppKit.h> for Talvo on GNUstep: GNUstep's AppKit, then the parts
+ * of Apple's AppKit API that GNUstep 0.29 lacks and Talvo's platform layer
+ * supplies. Toolkit code imports this header by its Apple name and never
+ * knows which AppKit it is built on.
+ */
+#include_next <AppKit/AppKit.h>
+
+#import <AppKit/NSEvent+TalvoPlatform.h>

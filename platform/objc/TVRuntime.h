@@ -1,0 +1,23 @@
+// Runtime helpers shared by the platform layer's hooks into GNUstep.
+#ifndef TALVO_PLATFORM_RUNTIME_H
+#define TALVO_PLATFORM_RUNTIME_H
+
+#import <Foundation/Foundation.h>
+#include <objc/runtime.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Makes `replacement` the implementation of `selector` on `cls` and returns
+ * the implementation it replaces, to be called from the replacement. An
+ * inherited method is first added to `cls` itself, so the hook never changes
+ * the superclass. Returns NULL when `cls` has no such method at all. */
+__attribute__((visibility("hidden"))) IMP TVReplaceInstanceMethod(Class cls, SEL selector,
+                                                                  IMP replacement);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

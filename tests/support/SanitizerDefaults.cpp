@@ -1,0 +1,10 @@
+// Sanitizer settings built into the test binary, so that CTest's discovery
+// and every test run use them without environment variables.
+extern "C" const char *__lsan_default_suppressions() {
+  return "leak:libobjc.so\n"         // the GCC runtime's class tables, built at load
+         "leak:libfontconfig.so\n";  // the font list cached by the cairo backend
+}
+
+extern "C" const char *__asan_default_options() {
+  return "fast_unwind_on_malloc=0";  // GNUstep is built without frame pointers
+}
