@@ -47,3 +47,33 @@ bool RunMainLoopUntil(const std::function<bool()> &done, double seconds = 2.0);
 
 // Whether a window server is there (tests that need one skip without).
 bool HasWindowServer();
+
+// A key-down event for `window` (nil: no window).
+NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *charactersIgnoringModifiers,
+                      NSUInteger modifierFlags);
+
+// A view that becomes first responder and records the characters of the
+// key-down events that reach it.
+@interface TVKeyRecorderView : NSView {
+  NSMutableArray *_received;
+}
+@property(nonatomic, readonly) NSMutableArray *received;
+@end
+
+// A titled window (no window manager under Xvfb: frame = content) whose
+// content is a key recorder, ordered front and made key. Returned +1.
+NSWindow *NewKeyWindowWithRecorder();
+
+// Objective-C equality for GoogleTest, printing both descriptions.
+#define EXPECT_NSEQ(actual, expected)                                              \
+  EXPECT_TRUE([(actual) isEqual:(expected)])                                       \
+      << "actual: " << [[(id)(actual) description] UTF8String]                     \
+      << "\nexpected: " << [[(id)(expected) description] UTF8String]
+
+// A null of any pointer or block type that the compiler cannot see through,
+// for tests that pass nil where the API declares nonnull.
+template <typename T>
+T NullOf() {
+  volatile T value = nullptr;
+  return value;
+}

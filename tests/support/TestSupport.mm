@@ -17,3 +17,58 @@ bool RunMainLoopUntil(const std::function<bool()> &done, double seconds) {
 bool HasWindowServer() {
   return NSApp != nil;
 }
+
+NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *charactersIgnoringModifiers,
+                      NSUInteger modifierFlags) {
+  return [NSEvent keyEventWithType:NSKeyDown
+                          location:NSZeroPoint
+                     modifierFlags:modifierFlags
+                         timestamp:0
+                      windowNumber:[window windowNumber]
+                           context:nil
+                        characters:characters
+       charactersIgnoringModifiers:charactersIgnoringModifiers
+                         isARepeat:NO
+                           keyCode:0];
+}
+
+@implementation TVKeyRecorderView
+
+@synthesize received = _received;
+
+- (instancetype)initWithFrame:(NSRect)frame {
+  self = [super initWithFrame:frame];
+  if (self != nil) {
+    _received = [NSMutableArray new];
+  }
+  return self;
+}
+
+- (void)dealloc {
+  [_received release];
+  [super dealloc];
+}
+
+- (BOOL)acceptsFirstResponder {
+  return YES;
+}
+
+- (void)keyDown:(NSEvent *)event {
+  [_received addObject:[event characters]];
+}
+
+@end
+
+NSWindow *NewKeyWindowWithRecorder() {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 200, 150)
+                                                 styleMask:NSTitledWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  TVKeyRecorderView *recorder =
+      [[[TVKeyRecorderView alloc] initWithFrame:NSMakeRect(0, 0, 200, 150)] autorelease];
+  [window setContentView:recorder];
+  [window makeKeyAndOrderFront:nil];
+  [window makeFirstResponder:recorder];
+  return window;
+}

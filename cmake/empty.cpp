@@ -1,0 +1,1 @@
+// Keeps the platform engines library non-empty while it has no sources.

@@ -1,0 +1,118 @@
+// Pushing a bound property back to the object the binding observes.
+
+#import <AppKit/AppKit.h>
+#import <Talvo/NSObject+TwoWayBinding.h>
+#import <Talvo/VXStringToAttributedString.h>
+
+#import "support/TestSupport.h"
+
+@interface TVBindingModel : NSObject {
+  id _text;
+  int _writes;
+}
+@property(nonatomic, retain) id text;
+@property(nonatomic, readonly) int writes;
+@end
+
+@implementation TVBindingModel
+@synthesize text = _text;
+@synthesize writes = _writes;
+- (void)setText:(id)text {
+  _writes++;
+  [text retain];
+  [_text release];
+  _text = text;
+}
+- (void)dealloc {
+  [_text release];
+  [super dealloc];
+}
+@end
+
+// The view side: a `value` binding and a `value` property of the same name.
+@interface TVBoundView : NSView {
+  id _value;
+}
+@property(nonatomic, retain) id value;
+@end
+
+@implementation TVBoundView
+@synthesize value = _value;
+- (void)dealloc {
+  [_value release];
+  [super dealloc];
+}
+@end
+
+namespace {
+
+class TwoWayBinding : public PooledTest {
+ protected:
+  void SetUp() override {
+    PooledTest::SetUp();
+    model_.reset([TVBindingModel new]);
+    view_.reset([[TVBoundView alloc] initWithFrame:NSZeroRect]);
+  }
+  void TearDown() override {
+    [view_.get() unbind:@"value"];
+    view_.reset();
+    model_.reset();
+    PooledTest::TearDown();
+  }
+  void Bind(NSDictionary *options) {
+    [view_.get() bind:@"value" toObject:model_ withKeyPath:@"text" options:options];
+  }
+  Owned<TVBindingModel> model_;
+  Owned<TVBoundView> view_;
+};
+
+TEST_F(TwoWayBinding, ReverseTransformedValueIsWrittenToTheBoundObject) {
+  VXStringToAttributedString *transformer = [[VXStringToAttributedString new] autorelease];
+  Bind(@{NSValueTransformerBindingOption : transformer});
+  NSAttributedString *shown = [[[NSAttributedString alloc] initWithString:@"typed"] autorelease];
+  [view_.get() setValue:shown];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_NSEQ([model_.get() text], @"typed");
+  EXPECT_TRUE([[model_.get() text] isKindOfClass:[NSString class]]);
+}
+
+TEST_F(TwoWayBinding, NullTransformerWritesTheValueItself) {
+  Bind(@{NSValueTransformerBindingOption : [NSNull null]});
+  NSString *value = [NSString stringWithFormat:@"%d", 42];
+  [view_.get() setValue:value];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_EQ([model_.get() text], value);
+}
+
+TEST_F(TwoWayBinding, BindingWithoutOptionsWritesTheValueItself) {
+  Bind(nil);
+  NSString *value = [NSString stringWithFormat:@"%d", 7];
+  [view_.get() setValue:value];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_EQ([model_.get() text], value);
+}
+
+TEST_F(TwoWayBinding, NothingIsWrittenWhenTheBoundSideHoldsThatVeryObject) {
+  NSString *value = [NSString stringWithFormat:@"%d", 5];
+  [model_.get() setText:value];
+  Bind(@{NSValueTransformerBindingOption : [NSNull null]});
+  int writesBefore = [model_.get() writes];
+  [view_.get() setValue:value];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_EQ([model_.get() writes], writesBefore);
+
+  // An equal but distinct object is written: identity, not equality.
+  [view_.get() setValue:[NSString stringWithFormat:@"%d", 5]];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_EQ([model_.get() writes], writesBefore + 1);
+}
+
+TEST_F(TwoWayBinding, UnboundOrUnknownBindingsDoNothing) {
+  [view_.get() setValue:@"x"];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];  // not bound yet
+  [view_.get() notifyBindedObjectChangeForKeyPath:NullOf<NSString *>()];
+  EXPECT_EQ([model_.get() writes], 0);
+  [[[NSObject new] autorelease] notifyBindedObjectChangeForKeyPath:@"nothing"];
+}
+
+}  // namespace
