@@ -1,5 +1,7 @@
 #import <Talvo/NSCalendar+Day.h>
 
+#include <math.h>
+
 #include "core/bindings/DayOfMonth.hpp"
 
 #if __has_feature(objc_arc)
@@ -11,8 +13,32 @@ static const NSUInteger TVYearMonthDayUnits =
     NSYearCalendarUnit | NSMonthCalendarUnit | NSDayCalendarUnit;
 static_assert(TVYearMonthDayUnits == 28, "calendar unit bits");
 
+static const NSUInteger TVDateAndTimeUnits = NSEraCalendarUnit | TVYearMonthDayUnits |
+                                            NSHourCalendarUnit | NSMinuteCalendarUnit |
+                                            NSSecondCalendarUnit;
+
 // 24 hours 59 minutes 59 seconds.
 static const NSTimeInterval TVEndOfDayOffset = 89999;
+
+// The number of days in the month of `components`: the last day that the
+// calendar keeps in that month. (GNUstep's rangeOfUnit:inUnit:forDate:
+// answers empty or wrong ranges, so the calendar is asked for dates.)
+static NSInteger TVDaysInMonth(NSCalendar *calendar, NSDateComponents *components) {
+  NSDateComponents *probe = [[NSDateComponents new] autorelease];
+  [probe setEra:[components era]];
+  [probe setYear:[components year]];
+  [probe setMonth:[components month]];
+  NSInteger longest = (NSInteger)NSMaxRange([calendar maximumRangeOfUnit:NSDayCalendarUnit]) - 1;
+  for (NSInteger day = longest; day > 1; day--) {
+    [probe setDay:day];
+    NSDate *candidate = [calendar dateFromComponents:probe];
+    if (candidate != nil &&
+        [[calendar components:NSMonthCalendarUnit fromDate:candidate] month] == [components month]) {
+      return day;
+    }
+  }
+  return 1;
+}
 
 @implementation NSCalendar (day)
 
@@ -36,17 +62,19 @@ static const NSTimeInterval TVEndOfDayOffset = 89999;
   if (date == nil) {
     return nil;
   }
-  // The day wraps within its month. Not every platform honours the wrap
-  // option, so the wrapped day is worked out here and the platform is asked
-  // for a move that stays inside the month, which it makes the same way
-  // with or without the option.
-  NSInteger day = [[self components:NSDayCalendarUnit fromDate:date] day];
-  NSRange daysInMonth = [self rangeOfUnit:NSDayCalendarUnit inUnit:NSMonthCalendarUnit forDate:date];
-  int64_t target =
-      talvo::bindings::WrappedDayOfMonth(day, (int64_t)daysInMonth.length, numberOfDay);
-  NSDateComponents *move = [[[NSDateComponents alloc] init] autorelease];
-  [move setDay:(NSInteger)(target - day)];
-  return [self dateByAddingComponents:move toDate:date options:NSWrapCalendarComponents];
+  // The day wraps within its month: month, year and time of day stay. The
+  // wrap option of dateByAddingComponents:toDate:options: does this on
+  // macOS, but GNUstep adds nothing at all when asked through it, so the
+  // wrapped day is worked out here and the date rebuilt from components.
+  NSDateComponents *components = [self components:TVDateAndTimeUnits fromDate:date];
+  NSInteger daysInMonth = TVDaysInMonth(self, components);
+  [components setDay:(NSInteger)talvo::bindings::WrappedDayOfMonth([components day], daysInMonth,
+                                                                   numberOfDay)];
+  NSDate *moved = [self dateFromComponents:components];
+  // Keep the sub-second part, which the components do not carry.
+  NSTimeInterval fraction = [date timeIntervalSinceReferenceDate] -
+                            floor([date timeIntervalSinceReferenceDate]);
+  return [moved dateByAddingTimeInterval:fraction];
 }
 
 @end

@@ -38,6 +38,11 @@
 
 @implementation TVBoundView
 @synthesize value = _value;
++ (void)initialize {
+  if (self == [TVBoundView class]) {
+    [self exposeBinding:@"value"];
+  }
+}
 - (void)dealloc {
   [_value release];
   [super dealloc];
@@ -95,7 +100,7 @@ TEST_F(TwoWayBinding, BindingWithoutOptionsWritesTheValueItself) {
 TEST_F(TwoWayBinding, NothingIsWrittenWhenTheBoundSideHoldsThatVeryObject) {
   NSString *value = [NSString stringWithFormat:@"%d", 5];
   [model_.get() setText:value];
-  Bind(@{NSValueTransformerBindingOption : [NSNull null]});
+  Bind(nil);
   int writesBefore = [model_.get() writes];
   [view_.get() setValue:value];
   [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
