@@ -1,0 +1,62 @@
+// An incremental Cassowary solver (Badros, Borning & Stuckey): a simplex
+// tableau kept optimal as constraints come and go, with edit variables that
+// re-solve through the dual simplex instead of rebuilding.
+//
+// Nothing here throws: every call reports a Status, and a failed call leaves
+// the solver as it was.
+#pragma once
+
+#include <memory>
+
+#include "platform/AppKit/layout/Constraint.hpp"
+#include "platform/AppKit/layout/Strength.hpp"
+#include "platform/AppKit/layout/Variable.hpp"
+
+namespace talvo::layout {
+
+enum class Status {
+  Ok,
+  Unsatisfiable,         // a required constraint conflicts with the others
+  Duplicate,             // the constraint or edit variable is already there
+  UnknownConstraint,     // removing a constraint the solver does not hold
+  UnknownEditVariable,   // editing a variable that is not an edit variable
+  RequiredEditStrength,  // edit variables must be weaker than required
+  InvalidValue,          // null constraint, NaN or infinite number
+  IterationLimit,        // pivot cap hit; should never happen, but never hangs
+  InternalError,         // allocation failure or a broken tableau
+};
+
+const char* StatusName(Status status);
+
+// Not thread-safe. A moved-from solver may only be destroyed or assigned to.
+class Solver {
+ public:
+  Solver();
+  ~Solver();
+  Solver(Solver&&) noexcept;
+  Solver& operator=(Solver&&) noexcept;
+  Solver(const Solver&) = delete;
+  Solver& operator=(const Solver&) = delete;
+
+  Status addConstraint(const Constraint& constraint) noexcept;
+  Status removeConstraint(const Constraint& constraint) noexcept;
+  bool hasConstraint(const Constraint& constraint) const noexcept;
+
+  // The edit starts out holding the variable's current value(), so adding
+  // one never moves anything until a value is suggested.
+  Status addEditVariable(const Variable& variable, Strength strength) noexcept;
+  Status removeEditVariable(const Variable& variable) noexcept;
+  bool hasEditVariable(const Variable& variable) const noexcept;
+  Status suggestValue(const Variable& variable, double value) noexcept;
+
+  // Writes the solved values into every variable the solver knows.
+  void updateVariables() noexcept;
+  // Drops every constraint and edit variable.
+  void reset() noexcept;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace talvo::layout
