@@ -7,3 +7,4 @@
 #include_next <AppKit/AppKit.h>
 
 #import <AppKit/NSEvent+TalvoPlatform.h>
+#import <AppKit/NSLayoutConstraint+TalvoPlatform.h>
