@@ -75,6 +75,8 @@ static uint64_t armedDeadline = 0;
     }
     state.drainScheduled = true;
   }
+  // Callers on other threads may have no autorelease pool of their own.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
   if ([NSThread isMainThread]) {
     [[NSRunLoop currentRunLoop] performSelector:@selector(drain:)
                                          target:self
@@ -87,6 +89,7 @@ static uint64_t armedDeadline = 0;
                         waitUntilDone:NO
                                 modes:QueueModes()];
   }
+  [pool drain];
 }
 
 + (void)promoteDueBlocks:(MainQueueState &)state now:(uint64_t)now {

@@ -30,8 +30,12 @@
 @end
 
 // The view side: a `value` binding and a `value` property of the same name.
+// With `fakeInfo` set, it reports that dictionary as its binding information
+// instead of GNUstep's (whose bind: leaks when given an NSNull transformer).
 @interface TVBoundView : NSView {
   id _value;
+ @public
+  NSDictionary *_fakeInfo;
 }
 @property(nonatomic, retain) id value;
 @end
@@ -43,8 +47,12 @@
     [self exposeBinding:@"value"];
   }
 }
+- (NSDictionary *)infoForBinding:(NSString *)binding {
+  return _fakeInfo != nil ? _fakeInfo : [super infoForBinding:binding];
+}
 - (void)dealloc {
   [_value release];
+  [_fakeInfo release];
   [super dealloc];
 }
 @end
@@ -82,7 +90,11 @@ TEST_F(TwoWayBinding, ReverseTransformedValueIsWrittenToTheBoundObject) {
 }
 
 TEST_F(TwoWayBinding, NullTransformerWritesTheValueItself) {
-  Bind(@{NSValueTransformerBindingOption : [NSNull null]});
+  view_.get()->_fakeInfo = [@{
+    NSObservedObjectKey : model_.get(),
+    NSObservedKeyPathKey : @"text",
+    NSOptionsKey : @{NSValueTransformerBindingOption : [NSNull null]}
+  } retain];
   NSString *value = [NSString stringWithFormat:@"%d", 42];
   [view_.get() setValue:value];
   [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
