@@ -6,20 +6,11 @@
 
 namespace {
 
-class KeyEquivalentMonitor : public PooledTest {
+class KeyEquivalentMonitor : public KeyWindowTest {
  protected:
-  void SetUp() override {
-    PooledTest::SetUp();
-    if (!HasWindowServer()) {
-      GTEST_SKIP() << "needs a window server";
-    }
-    window_.reset(NewKeyWindowWithRecorder());
-  }
   void TearDown() override {
     [NSEvent removeMonitor:monitor_];
-    [window_.get() close];
-    window_.reset();
-    PooledTest::TearDown();
+    KeyWindowTest::TearDown();
   }
   void Install(NSString *key, uint64_t flags) {
     monitor_ = [NSEvent addLocalMonitorForEventsMatchingKeyEquivalent:key
@@ -33,15 +24,13 @@ class KeyEquivalentMonitor : public PooledTest {
   // swallowed it).
   bool Fires(NSString *characters, NSString *ignoringModifiers, NSUInteger flags) {
     int before = fired_;
-    NSUInteger delivered = [Received() count];
+    NSUInteger delivered = [received() count];
     [NSApp sendEvent:KeyDownEvent(window_, characters, ignoringModifiers, flags)];
     bool fired = fired_ == before + 1;
-    EXPECT_EQ([Received() count], delivered + (fired ? 0 : 1)) << "swallowed iff fired";
+    EXPECT_EQ([received() count], delivered + (fired ? 0 : 1)) << "swallowed iff fired";
     return fired;
   }
-  NSMutableArray *Received() { return [(TVKeyRecorderView *)[window_.get() contentView] received]; }
 
-  Owned<NSWindow> window_;
   id monitor_ = nil;
   int fired_ = 0;
 };

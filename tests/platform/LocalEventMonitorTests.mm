@@ -7,31 +7,20 @@
 
 namespace {
 
-class LocalEventMonitors : public PooledTest {
+class LocalEventMonitors : public KeyWindowTest {
  protected:
-  void SetUp() override {
-    PooledTest::SetUp();
-    if (!HasWindowServer()) {
-      GTEST_SKIP() << "needs a window server";
-    }
-    window_.reset(NewKeyWindowWithRecorder());
-  }
   void TearDown() override {
     for (id monitor in monitors_.get()) {
       [NSEvent removeMonitor:monitor];
     }
     [monitors_ removeAllObjects];
-    [window_.get() close];
-    window_.reset();
-    PooledTest::TearDown();
+    KeyWindowTest::TearDown();
   }
-  NSMutableArray *received() { return [(TVKeyRecorderView *)[window_.get() contentView] received]; }
   void Send(NSString *characters, NSUInteger flags = 0) {
     [NSApp sendEvent:KeyDownEvent(window_, characters, characters, flags)];
   }
   void Keep(id monitor) { [monitors_ addObject:monitor]; }
 
-  Owned<NSWindow> window_;
   Owned<NSMutableArray> monitors_{[NSMutableArray new]};
 };
 

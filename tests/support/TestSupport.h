@@ -70,6 +70,27 @@ NSWindow *NewKeyWindowWithRecorder();
       << "actual: " << [[(id)(actual) description] UTF8String]                     \
       << "\nexpected: " << [[(id)(expected) description] UTF8String]
 
+// A fixture with a key window whose first responder records key-downs;
+// skipped without a window server.
+class KeyWindowTest : public PooledTest {
+ protected:
+  void SetUp() override {
+    PooledTest::SetUp();
+    if (!HasWindowServer()) {
+      GTEST_SKIP() << "needs a window server";
+    }
+    window_.reset(NewKeyWindowWithRecorder());
+  }
+  void TearDown() override {
+    [window_.get() close];
+    window_.reset();
+    PooledTest::TearDown();
+  }
+  NSMutableArray *received() { return [(TVKeyRecorderView *)[window_.get() contentView] received]; }
+
+  Owned<NSWindow> window_;
+};
+
 // A null of any pointer or block type that the compiler cannot see through,
 // for tests that pass nil where the API declares nonnull.
 template <typename T>
