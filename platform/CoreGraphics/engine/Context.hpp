@@ -5,7 +5,9 @@
 // per AppKit save), draws in cairo device space with its own matrix, clip,
 // source and operator, and leaves the cairo_t exactly as it found it
 // (matrix, clip, source, operator, current path). All Quartz state lives in
-// the context's own stack.
+// the context's own stack. The cairo_t's own matrix is ignored (the base
+// transform targets cairo device space) but its clip still applies, so a
+// view's clip set by the bridge holds.
 //
 // Spaces: user space (Quartz, y up) --CTM--> Quartz device space (y up)
 // --base transform--> cairo device space. The CTM starts as identity; a
