@@ -281,7 +281,7 @@ TEST(QuartzContextClip, EmptyPathClipsEverythingAway) {
     EXPECT_EQ(c.alphaAt(5, 5), 0);
 }
 
-TEST(QuartzContextClip, ClearRectRespectsTheClipAndIgnoresBlendAndAlpha) {
+TEST(QuartzContextClip, ClearRectHonoursTheClipAndIgnoresBlendAndAlpha) {
     Canvas c(20, 10);
     c.fillAll(Color::rgb(1, 0, 0));
     c.ctx->setAlpha(0.1);
