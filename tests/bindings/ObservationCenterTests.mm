@@ -5,26 +5,17 @@
 
 #import "support/TestSupport.h"
 
-@interface TVObservedModel : NSObject {
+@interface TVObservedModel : TVDeathWatch {
   NSInteger _width;
   NSInteger _height;
-  int *_deaths;
 }
 @property(nonatomic, assign) NSInteger width;
 @property(nonatomic, assign) NSInteger height;
-@property(nonatomic, assign) int *deaths;
 @end
 
 @implementation TVObservedModel
 @synthesize width = _width;
 @synthesize height = _height;
-@synthesize deaths = _deaths;
-- (void)dealloc {
-  if (_deaths != NULL) {
-    (*_deaths)++;
-  }
-  [super dealloc];
-}
 @end
 
 // Exposes the registry for inspection.

@@ -5,23 +5,6 @@
 
 #import "support/TestSupport.h"
 
-// Counts its deallocations, so that tests see exactly when captures die.
-@interface TVDeathWatch : NSObject {
-  int *_deaths;
-}
-@property(nonatomic, assign) int *deaths;
-@end
-
-@implementation TVDeathWatch
-@synthesize deaths = _deaths;
-- (void)dealloc {
-  if (_deaths != NULL) {
-    (*_deaths)++;
-  }
-  [super dealloc];
-}
-@end
-
 @interface TVBlockHolder : NSObject {
   int (^_action)(void);
 }

@@ -48,6 +48,14 @@ bool RunMainLoopUntil(const std::function<bool()> &done, double seconds = 2.0);
 // Whether a window server is there (tests that need one skip without).
 bool HasWindowServer();
 
+// Counts its deallocations into *deaths, so that tests see exactly when an
+// object dies.
+@interface TVDeathWatch : NSObject {
+  int *_deaths;
+}
+@property(nonatomic, assign) int *deaths;
+@end
+
 // A key-down event for `window` (nil: no window).
 NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *charactersIgnoringModifiers,
                       NSUInteger modifierFlags);

@@ -32,6 +32,19 @@ NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *characte
                            keyCode:0];
 }
 
+@implementation TVDeathWatch
+
+@synthesize deaths = _deaths;
+
+- (void)dealloc {
+  if (_deaths != NULL) {
+    (*_deaths)++;
+  }
+  [super dealloc];
+}
+
+@end
+
 @implementation TVKeyRecorderView
 
 @synthesize received = _received;
