@@ -1,5 +1,6 @@
 #include "platform/AppKit/layout/Solver.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -35,24 +36,59 @@ struct Symbol {
 
 // A tableau row: basic = constant + sum(coefficient * parametric symbol).
 // Before it has a basic symbol, it reads 0 = constant + sum(...).
+// Cells are a vector sorted by symbol: substitution is a linear merge, which
+// matters because rows grow long on chains of views.
 struct Row {
-  std::map<Symbol, double> cells;
+  using Cell = std::pair<Symbol, double>;
+  std::vector<Cell> cells;
   double constant = 0.0;
+
+  static bool Before(const Cell& cell, Symbol symbol) { return cell.first < symbol; }
+
+  std::vector<Cell>::iterator find(Symbol symbol) {
+    auto it = std::lower_bound(cells.begin(), cells.end(), symbol, Before);
+    return it != cells.end() && it->first.id == symbol.id ? it : cells.end();
+  }
+  std::vector<Cell>::const_iterator find(Symbol symbol) const {
+    auto it = std::lower_bound(cells.begin(), cells.end(), symbol, Before);
+    return it != cells.end() && it->first.id == symbol.id ? it : cells.end();
+  }
 
   double add(double value) { return constant += value; }
 
   void insert(Symbol symbol, double coefficient) {
-    double& cell = cells[symbol];
-    cell += coefficient;
-    if (NearZero(cell)) cells.erase(symbol);
+    auto it = std::lower_bound(cells.begin(), cells.end(), symbol, Before);
+    if (it != cells.end() && it->first.id == symbol.id) {
+      it->second += coefficient;
+      if (NearZero(it->second)) cells.erase(it);
+    } else if (!NearZero(coefficient)) {
+      cells.insert(it, {symbol, coefficient});
+    }
   }
 
   void insert(const Row& other, double coefficient) {
     constant += other.constant * coefficient;
-    for (const auto& [symbol, value] : other.cells) insert(symbol, value * coefficient);
+    std::vector<Cell> merged;
+    merged.reserve(cells.size() + other.cells.size());
+    auto mine = cells.begin();
+    auto theirs = other.cells.begin();
+    while (mine != cells.end() || theirs != other.cells.end()) {
+      if (theirs == other.cells.end() || (mine != cells.end() && mine->first < theirs->first)) {
+        merged.push_back(*mine++);
+        continue;
+      }
+      double value = theirs->second * coefficient;
+      if (mine != cells.end() && mine->first.id == theirs->first.id) value += (mine++)->second;
+      if (!NearZero(value)) merged.push_back({theirs->first, value});
+      ++theirs;
+    }
+    cells = std::move(merged);
   }
 
-  void remove(Symbol symbol) { cells.erase(symbol); }
+  void remove(Symbol symbol) {
+    auto it = find(symbol);
+    if (it != cells.end()) cells.erase(it);
+  }
 
   void reverseSign() {
     constant = -constant;
@@ -60,14 +96,15 @@ struct Row {
   }
 
   double coefficientFor(Symbol symbol) const {
-    auto it = cells.find(symbol);
+    auto it = find(symbol);
     return it == cells.end() ? 0.0 : it->second;
   }
 
   // Rewrites `0 = ... + c * symbol + ...` as `symbol = ...`.
   void solveFor(Symbol symbol) {
-    double factor = -1.0 / cells[symbol];
-    cells.erase(symbol);
+    auto it = find(symbol);
+    double factor = -1.0 / it->second;
+    cells.erase(it);
     constant *= factor;
     for (auto& cell : cells) cell.second *= factor;
   }
@@ -79,7 +116,7 @@ struct Row {
   }
 
   void substitute(Symbol symbol, const Row& row) {
-    auto it = cells.find(symbol);
+    auto it = find(symbol);
     if (it == cells.end()) return;
     double coefficient = it->second;
     cells.erase(it);
