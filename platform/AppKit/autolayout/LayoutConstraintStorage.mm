@@ -3,26 +3,12 @@
 
 #import <AppKit/AppKit.h>
 
+#import "platform/AppKit/autolayout/TVLayoutState.h"
 #import "platform/objc/TVRuntime.h"
 
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
-
-// Every NSLayoutConstraint made on GNUstep is one of these.
-@interface _TVLayoutConstraint : NSLayoutConstraint {
- @public
-  NSString *_identifier;
-  NSView *_holder;  // not retained: the holder retains the constraint
-}
-@end
-
-// Per-view layout state, kept in NSView's unused _coreAnimationData ivar.
-@interface _TVViewLayoutState : NSObject {
- @public
-  NSMutableArray *_constraints;
-}
-@end
 
 @implementation _TVViewLayoutState
 
@@ -30,6 +16,9 @@
   self = [super init];
   if (self != nil) {
     _constraints = [NSMutableArray new];
+    _translatesAutoresizingMask = YES;
+    _needsUpdateConstraints = YES;
+    _needsLayout = YES;
   }
   return self;
 }
@@ -41,7 +30,10 @@
 
 @end
 
-static _TVViewLayoutState *TVLayoutState(NSView *view, BOOL create) {
+_TVViewLayoutState *TVLayoutState(NSView *view, BOOL create) {
+  if (view == nil) {
+    return nil;
+  }
   Ivar slot = class_getInstanceVariable([NSView class], "_coreAnimationData");
   id state = object_getIvar(view, slot);
   if (state == nil && create) {
@@ -141,6 +133,7 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
     return;
   }
   _priority = clamped;
+  TVMarkNeedsLayoutPass(_holder);
 }
 
 - (NSString *)description {
@@ -183,7 +176,13 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
 }
 
 - (void)setConstant:(CGFloat)constant {
+  if (_constant == constant) {
+    return;
+  }
   _constant = constant;
+  if ([self isKindOfClass:[_TVLayoutConstraint class]]) {
+    TVMarkNeedsLayoutPass(((_TVLayoutConstraint *)self)->_holder);
+  }
 }
 
 - (NSString *)identifier {
@@ -221,6 +220,7 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
   [storage->_holder removeConstraint:constraint];
   [TVLayoutState(self, YES)->_constraints addObject:constraint];
   storage->_holder = self;
+  TVMarkNeedsLayoutPass(self);
 }
 
 - (void)addConstraints:(NSArray *)constraints {
@@ -239,6 +239,7 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
   }
   storage->_holder = nil;
   [TVLayoutState(self, NO)->_constraints removeObjectIdenticalTo:constraint];
+  TVMarkNeedsLayoutPass(self);
 }
 
 - (void)removeConstraints:(NSArray *)constraints {

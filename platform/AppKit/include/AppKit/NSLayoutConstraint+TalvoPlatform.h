@@ -13,8 +13,27 @@
  * item itself when it has no second item); setActive:NO removes it from the
  * view that holds it.
  *
- * Not covered yet: the solver-backed layout pass (frames are not changed by
- * constraints in this version), NSLayoutAnchor, shouldBeArchived.
+ * +constraintsWithVisualFormat:options:metrics:views: parses Apple's visual
+ * format language and answers the same constraints as AppKit (items,
+ * attributes, order). "|" is the superview of the view it is connected to.
+ * A malformed format or an unknown name logs a message naming the problem
+ * and answers an empty array (AppKit raises).
+ *
+ * Views run AppKit's two passes before their window displays: update
+ * constraints (leaves first), then layout, which solves every constraint
+ * installed in the window with a Cassowary solver and sets the frames of
+ * the views that do not translate their autoresizing mask. The engine's
+ * vertical axis grows downward, as AppKit's does, whatever the flippedness
+ * of the views. Views that translate their autoresizing mask (the default
+ * for views made in code) keep their frames through generated constraints;
+ * with a resized superview they keep their distance from its bottom-left
+ * corner (an autoresizing mask of none). Unsatisfiable required
+ * constraints are logged and left out, as AppKit breaks them.
+ *
+ * Not covered: NSLayoutAnchor, right-to-left user interfaces (leading is
+ * left), baselines (treated as the bottom edge), content hugging and
+ * compression resistance priorities other than 250 and 750, alignment
+ * rects, shouldBeArchived.
  */
 #ifndef TALVO_PLATFORM_NSLAYOUTCONSTRAINT_H
 #define TALVO_PLATFORM_NSLAYOUTCONSTRAINT_H
@@ -43,6 +62,9 @@ NS_ASSUME_NONNULL_BEGIN
 
 @end
 
+/** Marks a dimension without an intrinsic size. */
+static const CGFloat NSViewNoIntrinsicMetric = -1;
+
 @interface NSView (TalvoPlatformConstraints)
 
 /** The constraints installed on this view, in the order they were added. */
@@ -51,6 +73,32 @@ NS_ASSUME_NONNULL_BEGIN
 - (void)addConstraints:(NSArray *)constraints;
 - (void)removeConstraint:(NSLayoutConstraint *)constraint;
 - (void)removeConstraints:(NSArray *)constraints;
+
+@end
+
+@interface NSView (TalvoPlatformLayout)
+
+/** YES (the default) keeps the view's frame through generated constraints. */
+- (BOOL)translatesAutoresizingMaskIntoConstraints;
+- (void)setTranslatesAutoresizingMaskIntoConstraints:(BOOL)flag;
+
++ (BOOL)requiresConstraintBasedLayout;
+
+- (BOOL)needsUpdateConstraints;
+- (void)setNeedsUpdateConstraints:(BOOL)flag;
+/** Override to (re)build constraints; call super. Called by the update pass. */
+- (void)updateConstraints;
+- (void)updateConstraintsForSubtreeIfNeeded;
+
+- (BOOL)needsLayout;
+- (void)setNeedsLayout:(BOOL)flag;
+/** Sets the frames of the subviews that the constraints place. */
+- (void)layout;
+- (void)layoutSubtreeIfNeeded;
+
+/** NSViewNoIntrinsicMetric in both dimensions by default. */
+- (NSSize)intrinsicContentSize;
+- (void)invalidateIntrinsicContentSize;
 
 @end
 

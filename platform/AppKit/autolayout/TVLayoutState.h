@@ -1,0 +1,45 @@
+// Private layout state of the Auto Layout stand-in, shared by its files.
+#ifndef TALVO_PLATFORM_LAYOUT_STATE_H
+#define TALVO_PLATFORM_LAYOUT_STATE_H
+
+#import <AppKit/AppKit.h>
+
+// Every NSLayoutConstraint made on GNUstep is one of these.
+@interface _TVLayoutConstraint : NSLayoutConstraint {
+ @public
+  NSString *_identifier;
+  NSView *_holder;  // not retained: the holder retains the constraint
+}
+@end
+
+// Per-view layout state, kept in NSView's unused _coreAnimationData ivar.
+@interface _TVViewLayoutState : NSObject {
+ @public
+  NSMutableArray *_constraints;
+  BOOL _translatesAutoresizingMask;
+  BOOL _needsUpdateConstraints;
+  BOOL _needsLayout;
+  BOOL _hasUpdatedConstraints;  // the first update pass has run
+}
+@end
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** The view's layout state; created on demand when `create` is YES. */
+__attribute__((visibility("hidden"))) _TVViewLayoutState *TVLayoutState(NSView *view,
+                                                                       BOOL create);
+
+/** Asks for the update-constraints and layout passes before `view`'s window
+ * (or, without a window, its topmost ancestor) next displays. */
+__attribute__((visibility("hidden"))) void TVMarkNeedsLayoutPass(NSView *view);
+
+/** Runs both passes now for the view tree that holds `view`. */
+__attribute__((visibility("hidden"))) void TVRunLayoutPasses(NSView *view);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
