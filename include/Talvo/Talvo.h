@@ -9,6 +9,11 @@ TALVO_EXTERN const unsigned char TalvoVersionString[];
 /** 1.0 */
 TALVO_EXTERN const double TalvoVersionNumber;
 
+// Layout containers
+#import <Talvo/VXSplitViewDelegate.h>
+#import <Talvo/VXSplitViewDivider.h>
+#import <Talvo/VXSplitView.h>
+
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>
 #import <Talvo/NSObject+TwoWayBinding.h>

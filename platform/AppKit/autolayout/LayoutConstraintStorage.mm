@@ -257,6 +257,13 @@ static void (*originalViewDealloc)(id, SEL) = NULL;
 // A view going away releases its layout state; its constraints no longer
 // have a holder.
 static void TVViewDealloc(NSView *view, SEL selector) {
+  // Subviews leave first, as NSView's dealloc would make them, while the
+  // layout state still stands: their removal may still ask for a pass.
+  NSArray *subviews = [[view subviews] copy];
+  for (NSView *subview in subviews) {
+    [subview removeFromSuperviewWithoutNeedingDisplay];
+  }
+  [subviews release];
   _TVViewLayoutState *state = TVLayoutState(view, NO);
   if (state != nil) {
     for (_TVLayoutConstraint *constraint in state->_constraints) {
