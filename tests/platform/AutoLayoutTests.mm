@@ -305,3 +305,67 @@ TEST_F(AutoLayoutInWindow, WindowsLayOutBeforeTheyDisplayAndAfterResizing) {
 }
 
 }  // namespace
+
+namespace {
+
+// The live solver is kept between passes: what changes must be noticed.
+TEST_F(AutoLayout, LaterPassesSeeRemovedReaddedAndMovedViews) {
+  Add(@"H:|-10-[a(100)]-8-[b(50)]");
+  Add(@"V:|[a(10)]");
+  Add(@"V:|[b(10)]");
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSMinX([b_ frame]), 118, 1e-6);
+
+  // b leaves (taking its constraints) and comes back with new ones.
+  [b_ retain];
+  [b_ removeFromSuperview];
+  [content_.get() layoutSubtreeIfNeeded];
+  [content_.get() addSubview:b_];
+  [b_ release];
+  Add(@"H:|-200-[b(30)]");
+  Add(@"V:|-5-[b(10)]");
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSMinX([b_ frame]), 200, 1e-6);
+  EXPECT_NEAR(NSWidth([b_ frame]), 30, 1e-6);
+
+  // A broken constraint comes back once its rival goes.
+  NSLayoutConstraint *rival = [NSLayoutConstraint constraintWithItem:a_
+                                                           attribute:NSLayoutAttributeWidth
+                                                           relatedBy:NSLayoutRelationEqual
+                                                              toItem:nil
+                                                           attribute:NSLayoutAttributeNotAnAttribute
+                                                          multiplier:1
+                                                            constant:70];
+  [content_.get() addConstraint:rival];
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSWidth([a_ frame]), 100, 1e-6);  // added later: broken
+  NSLayoutConstraint *original = nil;
+  for (NSLayoutConstraint *constraint in [content_.get() constraints]) {
+    if ([constraint firstItem] == a_ && [constraint firstAttribute] == NSLayoutAttributeWidth &&
+        constraint != rival) {
+      original = constraint;
+    }
+  }
+  [content_.get() removeConstraint:original];
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSWidth([a_ frame]), 70, 1e-6);
+}
+
+TEST_F(AutoLayout, TranslatingViewsMovedByCodeMoveTheirDependents) {
+  NSView *anchor = [[[NSView alloc] initWithFrame:NSMakeRect(20, 100, 40, 40)] autorelease];
+  [content_.get() addSubview:anchor];
+  [content_.get() addConstraints:[NSLayoutConstraint
+                                     constraintsWithVisualFormat:@"H:[anchor]-10-[a(5)]"
+                                                         options:NSLayoutFormatAlignAllTop
+                                                         metrics:nil
+                                                           views:@{@"anchor" : anchor, @"a" : a_}]];
+  Add(@"V:[a(5)]");
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSMinX([a_ frame]), 70, 1e-6);
+  [anchor setFrameOrigin:NSMakePoint(50, 100)];
+  EXPECT_TRUE([content_.get() needsLayout]);
+  [content_.get() layoutSubtreeIfNeeded];
+  EXPECT_NEAR(NSMinX([a_ frame]), 100, 1e-6);
+}
+
+}  // namespace

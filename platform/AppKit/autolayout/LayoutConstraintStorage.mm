@@ -24,6 +24,7 @@
 }
 
 - (void)dealloc {
+  TVDestroyLayoutEngine(_engine);
   [_constraints release];
   [super dealloc];
 }

@@ -124,149 +124,354 @@ void RunUpdatePass(NSView *root) {
   }
 }
 
-// Solves every constraint installed in root's tree and answers the frames of
+}  // namespace
+
+// The live solver of one layout root, kept between passes so that a pass
+// only tells the solver what changed: a constraint added, removed or given
+// a new constant or priority is replaced on its own, frames of views that
+// translate their autoresizing mask likewise, and the weak stays that keep
+// unconstrained dimensions in place are edit variables that follow each
+// solution.
+struct TVLayoutEngine {
+  // What a constraint was added with; a change of any of it replaces it.
+  struct InstalledConstraint {
+    Constraint solverConstraint;  // null when the solver refused it
+    id firstItem;
+    id secondItem;
+    NSLayoutAttribute firstAttribute;
+    NSLayoutAttribute secondAttribute;
+    NSLayoutRelation relation;
+    CGFloat multiplier;
+    CGFloat constant;
+    NSLayoutPriority priority;
+    // The variables it was written with: an item that left and came back
+    // has new ones.
+    uint64_t firstVariables;
+    uint64_t secondVariables;
+  };
+  // The constraints generated for one view from its frame or size.
+  struct GeneratedConstraints {
+    std::vector<double> key;  // the numbers they were made from
+    std::vector<Constraint> constraints;
+  };
+  struct Participant {
+    ViewVariables variables;
+    GeneratedConstraints frame;
+    GeneratedConstraints intrinsic;
+    bool stays = false;
+  };
+
+  Solver solver;
+  NSView *rootView = nil;  // not retained: the root owns the engine
+  // Views other than the root are retained while they take part.
+  std::unordered_map<NSView *, Participant> participants;
+  std::unordered_map<NSLayoutConstraint *, InstalledConstraint> installed;  // retained
+
+  ~TVLayoutEngine() {
+    for (auto &entry : participants) {
+      if (entry.first != rootView) {
+        [entry.first release];
+      }
+    }
+    for (auto &entry : installed) {
+      [entry.first release];
+    }
+  }
+
+  void Replace(GeneratedConstraints &generated, std::vector<double> key,
+               std::vector<Constraint> constraints) {
+    if (key == generated.key && !generated.constraints.empty()) {
+      return;
+    }
+    for (const Constraint &constraint : generated.constraints) {
+      solver.removeConstraint(constraint);
+    }
+    generated.key = std::move(key);
+    generated.constraints = std::move(constraints);
+    for (const Constraint &constraint : generated.constraints) {
+      solver.addConstraint(constraint);
+    }
+  }
+
+  void Clear(Participant &participant) {
+    for (GeneratedConstraints *generated : {&participant.frame, &participant.intrinsic}) {
+      for (const Constraint &constraint : generated->constraints) {
+        solver.removeConstraint(constraint);
+      }
+      generated->constraints.clear();
+      generated->key.clear();
+    }
+    SetStays(participant, false);
+  }
+
+  void SetStays(Participant &participant, bool on) {
+    if (participant.stays == on) {
+      return;
+    }
+    const ViewVariables &v = participant.variables;
+    for (const Variable &variable : {v.left, v.top, v.width, v.height}) {
+      if (on) {
+        solver.addEditVariable(variable, kStayStrength);
+        solver.suggestValue(variable, variable.value());
+      } else {
+        solver.removeEditVariable(variable);
+      }
+    }
+    participant.stays = on;
+  }
+
+  uint64_t VariablesId(id item) const {
+    auto found = participants.find(item);
+    return found == participants.end() ? 0 : found->second.variables.left.id();
+  }
+
+  std::unordered_map<NSView *, NSRect> Solve(NSView *root);
+  void SyncParticipants(NSView *root, const std::vector<NSView *> &views,
+                        const std::unordered_set<NSView *> &wanted);
+  void SyncGeneratedConstraints(NSView *root, const std::vector<NSView *> &views);
+  void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
+  bool AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry);
+};
+
+namespace {
+
+bool SameAsInstalled(NSLayoutConstraint *constraint,
+                     const TVLayoutEngine::InstalledConstraint &entry) {
+  return entry.firstItem == [constraint firstItem] && entry.secondItem == [constraint secondItem] &&
+         entry.firstAttribute == [constraint firstAttribute] &&
+         entry.secondAttribute == [constraint secondAttribute] &&
+         entry.relation == [constraint relation] && entry.multiplier == [constraint multiplier] &&
+         entry.constant == [constraint constant] && entry.priority == [constraint priority];
+}
+
+}  // namespace
+
+void TVLayoutEngine::SyncParticipants(NSView *root, const std::vector<NSView *> &views,
+                                      const std::unordered_set<NSView *> &wanted) {
+  for (auto it = participants.begin(); it != participants.end();) {
+    if (wanted.count(it->first) == 0) {
+      Clear(it->second);
+      if (it->first != rootView) {
+        [it->first release];
+      }
+      it = participants.erase(it);
+    } else {
+      ++it;
+    }
+  }
+  // Tree order, so that a superview's variables exist before its subviews'.
+  for (NSView *view : views) {
+    if (wanted.count(view) == 0 || participants.count(view) != 0) {
+      continue;
+    }
+    Participant &participant = participants[view == rootView ? view : [view retain]];
+    // Start new variables at the view's present place, so that its stays
+    // begin there.
+    NSRect inRoot = view == root ? [root bounds] : [view convertRect:[view bounds] toView:root];
+    double top = [root isFlipped] ? NSMinY(inRoot) : NSHeight([root bounds]) - NSMaxY(inRoot);
+    participant.variables.left.setValue(NSMinX(inRoot));
+    participant.variables.top.setValue(top);
+    participant.variables.width.setValue(NSWidth(inRoot));
+    participant.variables.height.setValue(NSHeight(inRoot));
+  }
+}
+
+void TVLayoutEngine::SyncGeneratedConstraints(NSView *root, const std::vector<NSView *> &views) {
+  Strength required = Strength::Required();
+  for (NSView *view : views) {
+    auto found = participants.find(view);
+    if (found == participants.end()) {
+      continue;
+    }
+    Participant &participant = found->second;
+    const ViewVariables &v = participant.variables;
+    if (view == root) {
+      NSRect bounds = [root bounds];
+      Replace(participant.frame, {0, NSWidth(bounds), NSHeight(bounds)},
+              {Constraint::Make(v.left, Relation::Equal, 0.0, required),
+               Constraint::Make(v.top, Relation::Equal, 0.0, required),
+               Constraint::Make(v.width, Relation::Equal, NSWidth(bounds), required),
+               Constraint::Make(v.height, Relation::Equal, NSHeight(bounds), required)});
+      continue;
+    }
+    NSView *superview = [view superview];
+    const ViewVariables &s = participants[superview].variables;
+    _TVViewLayoutState *state = TVLayoutState(view, NO);
+    BOOL translates = state == nil || state->_translatesAutoresizingMask;
+    if (translates) {
+      NSRect frame = [view frame];
+      NSRect bounds = [superview bounds];
+      double x = NSMinX(frame) - NSMinX(bounds);
+      BOOL flipped = [superview isFlipped];
+      // Unflipped superviews keep the distance from their bottom edge.
+      double y = flipped ? NSMinY(frame) - NSMinY(bounds) : NSMaxY(frame) - NSMinY(bounds);
+      Expression top = flipped ? Expression(s.top) + y
+                               : Expression(s.top) + Expression(s.height) - y;
+      SetStays(participant, false);
+      Replace(participant.frame,
+              {1, x, y, NSWidth(frame), NSHeight(frame), flipped ? 1.0 : 0.0,
+               (double)s.left.id()},
+              {Constraint::Make(v.left, Relation::Equal, Expression(s.left) + x, required),
+               Constraint::Make(v.top, Relation::Equal, top, required),
+               Constraint::Make(v.width, Relation::Equal, NSWidth(frame), required),
+               Constraint::Make(v.height, Relation::Equal, NSHeight(frame), required)});
+      Replace(participant.intrinsic, {}, {});
+      continue;
+    }
+    Replace(participant.frame, {2},
+            {Constraint::Make(v.width, Relation::GreaterThanOrEqual, 0.0, required),
+             Constraint::Make(v.height, Relation::GreaterThanOrEqual, 0.0, required)});
+    SetStays(participant, true);
+    NSSize intrinsic = [view intrinsicContentSize];
+    std::vector<Constraint> sizes;
+    if (intrinsic.width != NSViewNoIntrinsicMetric) {
+      sizes.push_back(Constraint::Make(v.width, Relation::GreaterThanOrEqual, intrinsic.width,
+                                       Strength{kCompressionResistancePriority}));
+      sizes.push_back(Constraint::Make(v.width, Relation::LessThanOrEqual, intrinsic.width,
+                                       Strength{kHuggingPriority}));
+    }
+    if (intrinsic.height != NSViewNoIntrinsicMetric) {
+      sizes.push_back(Constraint::Make(v.height, Relation::GreaterThanOrEqual, intrinsic.height,
+                                       Strength{kCompressionResistancePriority}));
+      sizes.push_back(Constraint::Make(v.height, Relation::LessThanOrEqual, intrinsic.height,
+                                       Strength{kHuggingPriority}));
+    }
+    Replace(participant.intrinsic, {3, intrinsic.width, intrinsic.height}, std::move(sizes));
+  }
+}
+
+bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry) {
+  entry.firstItem = [constraint firstItem];
+  entry.secondItem = [constraint secondItem];
+  entry.firstAttribute = [constraint firstAttribute];
+  entry.secondAttribute = [constraint secondAttribute];
+  entry.relation = [constraint relation];
+  entry.multiplier = [constraint multiplier];
+  entry.constant = [constraint constant];
+  entry.priority = [constraint priority];
+  entry.solverConstraint = Constraint();
+  entry.firstVariables = VariablesId(entry.firstItem);
+  entry.secondVariables = VariablesId(entry.secondItem);
+
+  auto first = participants.find(entry.firstItem);
+  auto second = participants.find(entry.secondItem);
+  bool attributesKnown = false;
+  Expression lhs;
+  Expression rhs(entry.constant);
+  if (first != participants.end() && (entry.secondItem == nil || second != participants.end())) {
+    lhs = AttributeExpression(first->second.variables, entry.firstAttribute, &attributesKnown);
+    if (attributesKnown && entry.secondItem != nil) {
+      rhs = AttributeExpression(second->second.variables, entry.secondAttribute,
+                                &attributesKnown) *
+                entry.multiplier +
+            Expression(entry.constant);
+    }
+  }
+  if (!attributesKnown) {
+    NSLog(@"Ignoring constraint %@: its items are not views of this window", constraint);
+    return false;
+  }
+  Constraint solverConstraint =
+      Constraint::Make(lhs, static_cast<Relation>(entry.relation), rhs,
+                       talvo::layout::FromPriority(entry.priority));
+  talvo::layout::Status status = solver.addConstraint(solverConstraint);
+  if (status == talvo::layout::Status::Ok) {
+    entry.solverConstraint = solverConstraint;
+    return true;
+  }
+  if (status == talvo::layout::Status::Unsatisfiable) {
+    NSLog(@"Unable to simultaneously satisfy constraints. Will attempt to recover by breaking "
+          @"constraint %@",
+          constraint);
+  } else {
+    NSLog(@"Ignoring constraint %@: %s", constraint, talvo::layout::StatusName(status));
+  }
+  return false;
+}
+
+void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current) {
+  std::unordered_set<NSLayoutConstraint *> wanted(current.begin(), current.end());
+  bool removedAny = false;
+  for (auto it = installed.begin(); it != installed.end();) {
+    if (wanted.count(it->first) == 0 || !SameAsInstalled(it->first, it->second) ||
+        it->second.firstVariables != VariablesId(it->second.firstItem) ||
+        it->second.secondVariables != VariablesId(it->second.secondItem)) {
+      if (!it->second.solverConstraint.isNull()) {
+        solver.removeConstraint(it->second.solverConstraint);
+      }
+      [it->first release];
+      it = installed.erase(it);
+      removedAny = true;
+    } else {
+      ++it;
+    }
+  }
+  // A constraint broken earlier may fit now that another went: try again.
+  if (removedAny) {
+    for (auto &entry : installed) {
+      if (entry.second.solverConstraint.isNull()) {
+        AddInstalled(entry.first, entry.second);
+      }
+    }
+  }
+  for (NSLayoutConstraint *constraint : current) {
+    if (installed.count(constraint) == 0) {
+      AddInstalled(constraint, installed[[constraint retain]]);
+    }
+  }
+}
+
+// Brings the solver up to date with root's tree and answers the frames of
 // the views the constraints place, relative to their superviews.
-std::unordered_map<NSView *, NSRect> Solve(NSView *root) {
+std::unordered_map<NSView *, NSRect> TVLayoutEngine::Solve(NSView *root) {
   std::vector<NSView *> views;
   CollectSubtree(root, views);
 
-  std::vector<NSLayoutConstraint *> installed;
-  std::unordered_set<NSView *> participants;
+  std::vector<NSLayoutConstraint *> current;
+  std::unordered_set<NSView *> wanted;
   for (NSView *view : views) {
     _TVViewLayoutState *state = TVLayoutState(view, NO);
     if (state == nil) {
       continue;
     }
     if (!state->_translatesAutoresizingMask) {
-      participants.insert(view);
+      wanted.insert(view);
     }
     for (NSLayoutConstraint *constraint in state->_constraints) {
-      installed.push_back(constraint);
+      current.push_back(constraint);
       for (id item : {[constraint firstItem], [constraint secondItem]}) {
-        if ([item isKindOfClass:[NSView class]] && ([item isDescendantOf:root])) {
-          participants.insert(item);
+        if ([item isKindOfClass:[NSView class]] && [item isDescendantOf:root]) {
+          wanted.insert(item);
         }
       }
     }
   }
   std::unordered_map<NSView *, NSRect> frames;
-  if (installed.empty() && participants.empty()) {
-    return frames;
-  }
   // Every ancestor of a participant takes part: frames are relative to it.
-  std::vector<NSView *> chain(participants.begin(), participants.end());
+  std::vector<NSView *> chain(wanted.begin(), wanted.end());
   for (NSView *view : chain) {
-    for (NSView *up = [view superview]; up != nil && participants.insert(up).second;
+    for (NSView *up = [view superview]; up != nil && up != root && wanted.insert(up).second;
          up = [up superview]) {
-      if (up == root) {
-        break;
-      }
     }
   }
-  participants.insert(root);
-
-  Solver solver;
-  std::unordered_map<NSView *, ViewVariables> variables;
-  for (NSView *view : views) {  // tree order: superviews before subviews
-    if (participants.count(view) != 0) {
-      variables[view] = ViewVariables();
-    }
-  }
-  auto require = [&solver](const Expression &lhs, Relation relation, const Expression &rhs,
-                           Strength strength) {
-    solver.addConstraint(Constraint::Make(lhs, relation, rhs, strength));
-  };
-
-  NSRect rootBounds = [root bounds];
-  for (NSView *view : views) {
-    auto found = variables.find(view);
-    if (found == variables.end()) {
-      continue;
-    }
-    const ViewVariables &v = found->second;
-    NSRect frame = [view frame];
-    if (view == root) {
-      require(v.left, Relation::Equal, 0.0, Strength::Required());
-      require(v.top, Relation::Equal, 0.0, Strength::Required());
-      require(v.width, Relation::Equal, NSWidth(rootBounds), Strength::Required());
-      require(v.height, Relation::Equal, NSHeight(rootBounds), Strength::Required());
-      continue;
-    }
-    NSView *superview = [view superview];
-    const ViewVariables &s = variables[superview];
-    NSRect bounds = [superview bounds];
-    Expression left = Expression(s.left) + (NSMinX(frame) - NSMinX(bounds));
-    // Unflipped superviews keep the distance from their bottom edge.
-    Expression top = [superview isFlipped]
-                         ? Expression(s.top) + (NSMinY(frame) - NSMinY(bounds))
-                         : Expression(s.top) + Expression(s.height) -
-                               (NSMaxY(frame) - NSMinY(bounds));
-    _TVViewLayoutState *state = TVLayoutState(view, NO);
-    BOOL translates = state == nil || state->_translatesAutoresizingMask;
-    Strength strength = translates ? Strength::Required() : kStayStrength;
-    require(v.left, Relation::Equal, left, strength);
-    require(v.top, Relation::Equal, top, strength);
-    require(v.width, Relation::Equal, NSWidth(frame), strength);
-    require(v.height, Relation::Equal, NSHeight(frame), strength);
-    require(v.width, Relation::GreaterThanOrEqual, 0.0, Strength::Required());
-    require(v.height, Relation::GreaterThanOrEqual, 0.0, Strength::Required());
-    if (!translates) {
-      NSSize intrinsic = [view intrinsicContentSize];
-      if (intrinsic.width != NSViewNoIntrinsicMetric) {
-        require(v.width, Relation::GreaterThanOrEqual, intrinsic.width,
-                Strength{kCompressionResistancePriority});
-        require(v.width, Relation::LessThanOrEqual, intrinsic.width, Strength{kHuggingPriority});
-      }
-      if (intrinsic.height != NSViewNoIntrinsicMetric) {
-        require(v.height, Relation::GreaterThanOrEqual, intrinsic.height,
-                Strength{kCompressionResistancePriority});
-        require(v.height, Relation::LessThanOrEqual, intrinsic.height, Strength{kHuggingPriority});
-      }
-    }
+  if (!wanted.empty()) {
+    wanted.insert(root);
   }
 
-  for (NSLayoutConstraint *constraint : installed) {
-    auto first = variables.find([constraint firstItem]);
-    id secondItem = [constraint secondItem];
-    auto second = variables.find(secondItem);
-    bool firstKnown = first != variables.end();
-    bool secondKnown = secondItem == nil || second != variables.end();
-    bool attributesKnown = false;
-    Expression lhs;
-    Expression rhs([constraint constant]);
-    if (firstKnown && secondKnown) {
-      lhs = AttributeExpression(first->second, [constraint firstAttribute], &attributesKnown);
-      if (attributesKnown && secondItem != nil) {
-        rhs = AttributeExpression(second->second, [constraint secondAttribute], &attributesKnown) *
-                  [constraint multiplier] +
-              Expression([constraint constant]);
-      }
-    }
-    if (!attributesKnown) {
-      NSLog(@"Ignoring constraint %@: its items are not views of this window", constraint);
-      continue;
-    }
-    talvo::layout::Status status = solver.addConstraint(Constraint::Make(
-        lhs, static_cast<Relation>([constraint relation]), rhs,
-        talvo::layout::FromPriority([constraint priority])));
-    if (status == talvo::layout::Status::Unsatisfiable) {
-      NSLog(@"Unable to simultaneously satisfy constraints. Will attempt to recover by breaking "
-            @"constraint %@",
-            constraint);
-    } else if (status != talvo::layout::Status::Ok && status != talvo::layout::Status::Duplicate) {
-      NSLog(@"Ignoring constraint %@: %s", constraint, talvo::layout::StatusName(status));
-    }
-  }
+  SyncParticipants(root, views, wanted);
+  SyncGeneratedConstraints(root, views);
+  SyncInstalledConstraints(current);
   solver.updateVariables();
 
   for (NSView *view : views) {
-    auto found = variables.find(view);
-    if (view == root || found == variables.end()) {
+    auto found = participants.find(view);
+    if (view == root || found == participants.end()) {
       continue;
     }
-    const ViewVariables &v = found->second;
+    Participant &participant = found->second;
+    const ViewVariables &v = participant.variables;
     NSView *superview = [view superview];
-    const ViewVariables &s = variables[superview];
+    const ViewVariables &s = participants[superview].variables;
     NSRect bounds = [superview bounds];
     double x = v.left.value() - s.left.value() + NSMinX(bounds);
     double yFromTop = v.top.value() - s.top.value();
@@ -274,9 +479,21 @@ std::unordered_map<NSView *, NSRect> Solve(NSView *root) {
                    ? yFromTop + NSMinY(bounds)
                    : s.height.value() - yFromTop - v.height.value() + NSMinY(bounds);
     frames[view] = NSMakeRect(x, y, v.width.value(), v.height.value());
+    // The stays follow the solution: the next pass starts from here.
+    if (participant.stays) {
+      for (const Variable &variable : {v.left, v.top, v.width, v.height}) {
+        solver.suggestValue(variable, variable.value());
+      }
+    }
   }
   return frames;
 }
+
+void TVDestroyLayoutEngine(TVLayoutEngine *engine) {
+  delete engine;
+}
+
+namespace {
 
 // Top-down: each view's layout places its own subviews.
 void RunLayoutPass(NSView *view) {
@@ -312,7 +529,12 @@ void TVRunLayoutPasses(NSView *view) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   [root retain];
   RunUpdatePass(root);
-  std::unordered_map<NSView *, NSRect> frames = Solve(root);
+  _TVViewLayoutState *rootState = TVLayoutState(root, YES);
+  if (rootState->_engine == nullptr) {
+    rootState->_engine = new TVLayoutEngine();
+    rootState->_engine->rootView = root;
+  }
+  std::unordered_map<NSView *, NSRect> frames = rootState->_engine->Solve(root);
   std::unordered_map<NSView *, NSRect> *outer = solvedFrames;
   solvedFrames = &frames;
   RunLayoutPass(root);

@@ -4,6 +4,12 @@
 
 #import <AppKit/AppKit.h>
 
+#ifdef __cplusplus
+struct TVLayoutEngine;
+#else
+typedef struct TVLayoutEngine TVLayoutEngine;
+#endif
+
 // Every NSLayoutConstraint made on GNUstep is one of these.
 @interface _TVLayoutConstraint : NSLayoutConstraint {
  @public
@@ -20,6 +26,7 @@
   BOOL _needsUpdateConstraints;
   BOOL _needsLayout;
   BOOL _hasUpdatedConstraints;  // the first update pass has run
+  struct TVLayoutEngine *_engine;  // the live solver, on layout roots only
 }
 @end
 
@@ -34,6 +41,9 @@ __attribute__((visibility("hidden"))) _TVViewLayoutState *TVLayoutState(NSView *
 /** Asks for the update-constraints and layout passes before `view`'s window
  * (or, without a window, its topmost ancestor) next displays. */
 __attribute__((visibility("hidden"))) void TVMarkNeedsLayoutPass(NSView *view);
+
+/** Frees a layout root's live solver. */
+__attribute__((visibility("hidden"))) void TVDestroyLayoutEngine(struct TVLayoutEngine *engine);
 
 /** Runs both passes now for the view tree that holds `view`. */
 __attribute__((visibility("hidden"))) void TVRunLayoutPasses(NSView *view);
