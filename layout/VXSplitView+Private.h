@@ -15,6 +15,17 @@ NS_ASSUME_NONNULL_BEGIN
 /** Invalidates both constraint sets and rebuilds them at once. */
 - (void)_forceUpdateConstraints;
 
+// Dragging
+- (void)_finishDrag:(NSEvent *)event;
+- (VXSplitViewPushPosition)_activePositionForLocation:(NSPoint)location;
+- (VXSplitViewPushPosition)_collapsedPositionForCurrentDeaggingConstraint;
+- (double)_collapseGapForPosition:(VXSplitViewPushPosition)position;
+
+// Pushing and popping
+- (void)_postPushNotificationOnPosition:(VXSplitViewPushPosition)position;
+- (void)_postPopNotificationForPosition:(VXSplitViewPushPosition)position;
+- (void)_updateAutosavedsizesForView:(NSView *)view;
+
 @end
 
 NS_ASSUME_NONNULL_END

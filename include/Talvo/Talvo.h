@@ -13,6 +13,9 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/VXSplitViewDelegate.h>
 #import <Talvo/VXSplitViewDivider.h>
 #import <Talvo/VXSplitView.h>
+#import <Talvo/VXSplitViewPositioner.h>
+#import <Talvo/VXSplitViewPositionerAtBeginning.h>
+#import <Talvo/VXSplitViewPositionerAtEnd.h>
 
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>

@@ -1,9 +1,27 @@
 #import <AppKit/AppKit.h>
 
+#import <Talvo/TalvoExport.h>
 #import <Talvo/VXSplitViewDelegate.h>
 #import <Talvo/VXSplitViewDivider.h>
 
 NS_ASSUME_NONNULL_BEGIN
+
+/** Posted when a divider drag starts. Its value is
+ * "VXSplitViewWillDragDivider". */
+TALVO_EXTERN NSString *const VXSplitViewWillDragDividerNotification;
+/** Posted when a divider drag ends, also when it ended by collapsing a panel. */
+TALVO_EXTERN NSString *const VXSplitViewDidDragDividerNotification;
+/** Posted by a push before the view is added. */
+TALVO_EXTERN NSString *const VXSplitViewWillPushSubviewNotification;
+/** Posted by a push once the view is in place. */
+TALVO_EXTERN NSString *const VXSplitViewDidPushSubviewNotification;
+/** Posted by a pop (also one a drag causes) before anything changes. */
+TALVO_EXTERN NSString *const VXSplitViewWillCollapseSubviewNotification;
+/** Posted by a pop once the view has been removed. */
+TALVO_EXTERN NSString *const VXSplitViewDidCollapseSubviewNotification;
+/** The user-information key of the push and collapse notifications: an
+ * NSNumber holding the VXSplitViewPushPosition. */
+TALVO_EXTERN NSString *const VXSplitViewPushPositionKey;
 
 /** Draws divider `index` in `rect` (the divider's bounds, dividerThickness
  * wide) instead of the default strips. */
@@ -72,6 +90,32 @@ typedef void (^VXSplitViewDividerDrawer)(NSInteger index, NSRect rect);
 /** A new set of position constraints from the views' current frames, not
  * installed; nil with fewer than two views in layout. */
 - (nullable NSArray *)constraintsForPositions;
+
+@end
+
+/** Dragging dividers, edge zones and collapsing panels. Drags run only in
+ * the key window. */
+@interface VXSplitView (Dragging)
+
+/** The index of the divider within 4 points of `point` (split view
+ * coordinates; only x counts), or -1. */
+- (NSInteger)dividerIndexForPoint:(NSPoint)point;
+
+@end
+
+/** Edge panels that come and go. */
+@interface VXSplitView (PushPop)
+
+/** Adds `view` as the panel at `position`, at the width last recorded under
+ * `autosaveName` (else its own width), sliding it in when animated. */
+- (void)pushSubView:(NSView *)view
+         atPosition:(VXSplitViewPushPosition)position
+       autosaveName:(nullable NSString *)autosaveName;
+
+/** Takes the panel at `position` away, recording its width under its
+ * autosave name, sliding it out when animated. Nothing happens with fewer
+ * than two subviews. */
+- (void)popSubViewAtPosition:(VXSplitViewPushPosition)position;
 
 @end
 
