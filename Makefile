@@ -12,7 +12,9 @@ TEST_ENV        = TMPDIR=$(abspath $(BUILD_DIR))/tmp GNUSTEP_USER_ROOT=$(abspath
 REQUIRED_TOOLS = clang cmake gnustep-config xvfb-run
 MISSING = $(strip $(foreach t,$(REQUIRED_TOOLS),$(if $(shell command -v $(t) 2>/dev/null),,$(t))))
 
-.PHONY: all deps build check check-asan demo clean
+.PHONY: all deps build check check-asan install demo clean
+
+PREFIX ?= /usr/local
 
 all: build
 
@@ -38,7 +40,11 @@ check-asan: deps
 	$(CMAKE_ENV) cmake -S . -B $(ASAN_BUILD_DIR) -DCMAKE_BUILD_TYPE=Debug -DTALVO_SANITIZE=ON
 	cmake --build $(ASAN_BUILD_DIR) -j$(JOBS)
 	@mkdir -p $(ASAN_BUILD_DIR)/tmp
-	cd $(ASAN_BUILD_DIR) && TMPDIR=$(abspath $(ASAN_BUILD_DIR))/tmp $(XVFB) ctest --output-on-failure -j$(JOBS)
+	# The install test builds an uninstrumented program: not for this build.
+	cd $(ASAN_BUILD_DIR) && TMPDIR=$(abspath $(ASAN_BUILD_DIR))/tmp $(XVFB) ctest --output-on-failure -j$(JOBS) -LE install
+
+install: build
+	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
 
 clean:
 	rm -rf $(BUILD_DIR) $(ASAN_BUILD_DIR)
