@@ -43,6 +43,17 @@ check-asan: deps
 	# The install test builds an uninstrumented program: not for this build.
 	cd $(ASAN_BUILD_DIR) && TMPDIR=$(abspath $(ASAN_BUILD_DIR))/tmp $(XVFB) ctest --output-on-failure -j$(JOBS) -LE install
 
+# With a display: the gallery's window. Without one: every page rendered to
+# build/gallery/ under a private X server.
+demo: build
+	@if [ -n "$${DISPLAY:-}" ]; then \
+	  $(BUILD_DIR)/talvo-gallery; \
+	else \
+	  $(XVFB) $(BUILD_DIR)/talvo-gallery --headless $(abspath $(BUILD_DIR))/gallery -GSSuppressAppIcon YES 2>&1 \
+	    | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'; \
+	  test $${PIPESTATUS:-0} -eq 0; \
+	fi
+
 install: build
 	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
 

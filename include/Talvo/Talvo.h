@@ -16,6 +16,9 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/VXSplitViewPositioner.h>
 #import <Talvo/VXSplitViewPositionerAtBeginning.h>
 #import <Talvo/VXSplitViewPositionerAtEnd.h>
+#import <Talvo/VXStackView.h>
+#import <Talvo/NSLayoutConstraint+Container.h>
+#import <Talvo/VXLiveResizeView.h>
 
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>

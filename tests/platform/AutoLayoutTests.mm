@@ -369,3 +369,27 @@ TEST_F(AutoLayout, TranslatingViewsMovedByCodeMoveTheirDependents) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(AutoLayoutInWindow, TreesBuiltOutsideTheWindowAreLaidOutWhenTheyJoinIt) {
+  Owned<NSView> page([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 300, 200)]);
+  NSView *inner = [[[NSView alloc] initWithFrame:NSZeroRect] autorelease];
+  [inner setTranslatesAutoresizingMaskIntoConstraints:NO];
+  NSView *container = [[[NSView alloc] initWithFrame:NSMakeRect(10, 10, 100, 100)] autorelease];
+  [container addSubview:inner];
+  [container addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"H:|-5-[inner]-5-|"
+                                                                    options:0
+                                                                    metrics:nil
+                                                                      views:@{@"inner" : inner}]];
+  [container addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"V:|-5-[inner]-5-|"
+                                                                    options:0
+                                                                    metrics:nil
+                                                                      views:@{@"inner" : inner}]];
+  [page.get() addSubview:container];
+  [window_.get() setContentView:page];
+  [window_.get() orderFront:nil];
+  ExpectFrame(inner, 5, 5, 90, 90);
+}
+
+}  // namespace

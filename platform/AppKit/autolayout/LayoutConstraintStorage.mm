@@ -265,6 +265,7 @@ static void TVViewDealloc(NSView *view, SEL selector) {
     [subview removeFromSuperviewWithoutNeedingDisplay];
   }
   [subviews release];
+  TVForgetLayoutRoot(view);
   _TVViewLayoutState *state = TVLayoutState(view, NO);
   if (state != nil) {
     for (_TVLayoutConstraint *constraint in state->_constraints) {

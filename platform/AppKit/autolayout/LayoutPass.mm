@@ -44,6 +44,10 @@ struct ViewVariables {
   Expression bottom() const { return Expression(top) + Expression(height); }
 };
 
+// Roots of view trees outside any window that asked for a pass. When such a
+// tree joins a window, the window runs the pass it missed.
+std::unordered_set<NSView *> *detachedRoots = new std::unordered_set<NSView *>();
+
 // The frames computed by the pass that is running, by view.
 std::unordered_map<NSView *, NSRect> *solvedFrames = nullptr;
 
@@ -518,7 +522,15 @@ void TVMarkNeedsLayoutPass(NSView *view) {
     return;
   }
   TVLayoutState(root, YES)->_needsLayout = YES;
-  [[view window] setViewsNeedDisplay:YES];
+  NSWindow *window = [view window];
+  if (window == nil) {
+    detachedRoots->insert(root);
+  }
+  [window setViewsNeedDisplay:YES];
+}
+
+void TVForgetLayoutRoot(NSView *view) {
+  detachedRoots->erase(view);
 }
 
 void TVRunLayoutPasses(NSView *view) {
@@ -528,6 +540,7 @@ void TVRunLayoutPasses(NSView *view) {
   }
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   [root retain];
+  detachedRoots->erase(root);
   RunUpdatePass(root);
   _TVViewLayoutState *rootState = TVLayoutState(root, YES);
   if (rootState->_engine == nullptr) {
@@ -649,8 +662,20 @@ static void (*originalRemoveFromSuperviewQuietly)(id, SEL) = NULL;
 
 static void TVRunPassesIfNeeded(NSWindow *window) {
   NSView *content = [window contentView];
+  if (content == nil) {
+    return;
+  }
   _TVViewLayoutState *state = TVLayoutState(content, NO);
-  if (state != nil && state->_needsLayout) {
+  bool needed = state != nil && state->_needsLayout;
+  for (auto it = detachedRoots->begin(); it != detachedRoots->end();) {
+    if (*it == content || [*it isDescendantOf:content]) {
+      needed = true;
+      it = detachedRoots->erase(it);
+    } else {
+      ++it;
+    }
+  }
+  if (needed) {
     TVRunLayoutPasses(content);
   }
 }

@@ -45,6 +45,9 @@ __attribute__((visibility("hidden"))) void TVMarkNeedsLayoutPass(NSView *view);
 /** Frees a layout root's live solver. */
 __attribute__((visibility("hidden"))) void TVDestroyLayoutEngine(struct TVLayoutEngine *engine);
 
+/** Forgets a view that goes away as a root waiting for its window. */
+__attribute__((visibility("hidden"))) void TVForgetLayoutRoot(NSView *view);
+
 /** Runs both passes now for the view tree that holds `view`. */
 __attribute__((visibility("hidden"))) void TVRunLayoutPasses(NSView *view);
 

@@ -1,0 +1,54 @@
+#import "gallery/GalleryPage.h"
+
+#import "gallery/pages/BindingsPage.h"
+#import "gallery/pages/SplitViewPage.h"
+#import "gallery/pages/StackViewPage.h"
+
+// Fills its bounds with one colour.
+@interface GallerySwatchView : NSView {
+  NSColor *_color;
+}
+- (instancetype)initWithFrame:(NSRect)frame color:(NSColor *)color;
+@end
+
+@implementation GallerySwatchView
+
+- (instancetype)initWithFrame:(NSRect)frame color:(NSColor *)color {
+  self = [super initWithFrame:frame];
+  if (self != nil) {
+    _color = [color retain];
+  }
+  return self;
+}
+
+- (void)dealloc {
+  [_color release];
+  [super dealloc];
+}
+
+- (void)drawRect:(NSRect)dirtyRect {
+  [_color setFill];
+  NSRectFill(dirtyRect);
+}
+
+@end
+
+NSArray *GalleryAllPages(void) {
+  return [NSArray arrayWithObjects:[[SplitViewPage new] autorelease],
+                                   [[StackViewPage new] autorelease],
+                                   [[BindingsPage new] autorelease], nil];
+}
+
+NSTextField *GalleryLabel(NSString *text, NSRect frame) {
+  NSTextField *label = [[[NSTextField alloc] initWithFrame:frame] autorelease];
+  [label setStringValue:text];
+  [label setEditable:NO];
+  [label setSelectable:NO];
+  [label setBezeled:NO];
+  [label setDrawsBackground:NO];
+  return label;
+}
+
+NSView *GallerySwatch(NSColor *color, NSRect frame) {
+  return [[[GallerySwatchView alloc] initWithFrame:frame color:color] autorelease];
+}
