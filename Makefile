@@ -49,9 +49,12 @@ demo: build
 	@if [ -n "$${DISPLAY:-}" ]; then \
 	  $(BUILD_DIR)/talvo-gallery; \
 	else \
-	  $(XVFB) $(BUILD_DIR)/talvo-gallery --headless $(abspath $(BUILD_DIR))/gallery -GSSuppressAppIcon YES 2>&1 \
-	    | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'; \
-	  test $${PIPESTATUS:-0} -eq 0; \
+	  status=0; \
+	  $(XVFB) $(BUILD_DIR)/talvo-gallery --headless $(abspath $(BUILD_DIR))/gallery \
+	    -GSSuppressAppIcon YES > $(BUILD_DIR)/gallery.log 2>&1 || status=$$?; \
+	  grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style' \
+	    $(BUILD_DIR)/gallery.log; \
+	  exit $$status; \
 	fi
 
 install: build
