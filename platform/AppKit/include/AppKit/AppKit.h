@@ -8,3 +8,4 @@
 
 #import <AppKit/NSEvent+TalvoPlatform.h>
 #import <AppKit/NSLayoutConstraint+TalvoPlatform.h>
+#import <AppKit/NSGraphicsContext+TalvoPlatform.h>

@@ -1,0 +1,219 @@
+// Conversions between AppKit's images and colours and Core Graphics ones.
+
+#import <AppKit/AppKit.h>
+#import <AppKit/NSGraphicsContext+TalvoPlatform.h>
+
+#include <CoreGraphics/CGTalvoBridge.h>
+
+#include <cmath>
+
+#if __has_feature(objc_arc)
+#error "This file is manual reference counting only."
+#endif
+
+// Releases a CGImage or CGColor when the autorelease pool drains, so that
+// the "get" methods hand out references the caller does not own.
+@interface _TVCGReference : NSObject {
+  CGImageRef _image;
+  CGColorRef _color;
+}
++ (CGImageRef)autoreleaseImage:(CGImageRef)image;
++ (CGColorRef)autoreleaseColor:(CGColorRef)color;
+@end
+
+@implementation _TVCGReference
+
++ (CGImageRef)autoreleaseImage:(CGImageRef)image {
+  if (!image) return nullptr;
+  _TVCGReference *holder = [[self alloc] init];
+  holder->_image = image;
+  [holder autorelease];
+  return image;
+}
+
++ (CGColorRef)autoreleaseColor:(CGColorRef)color {
+  if (!color) return nullptr;
+  _TVCGReference *holder = [[self alloc] init];
+  holder->_color = color;
+  [holder autorelease];
+  return color;
+}
+
+- (void)dealloc {
+  CGImageRelease(_image);
+  CGColorRelease(_color);
+  [super dealloc];
+}
+
+@end
+
+namespace {
+
+// An RGBA bitmap rep of the given pixel size with its own zeroed memory.
+NSBitmapImageRep *NewRGBARep(NSInteger width, NSInteger height) {
+  return [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                                 pixelsWide:width
+                                                 pixelsHigh:height
+                                              bitsPerSample:8
+                                            samplesPerPixel:4
+                                                   hasAlpha:YES
+                                                   isPlanar:NO
+                                             colorSpaceName:NSDeviceRGBColorSpace
+                                               bitmapFormat:NSBitmapFormat(0)
+                                                bytesPerRow:width * 4
+                                               bitsPerPixel:32];
+}
+
+// A CGImage of `width` x `height` pixels with whatever `draw` paints in a
+// context whose user space spans `size` points; +1, NULL on failure.
+CGImageRef NewImageByDrawing(NSInteger width, NSInteger height, NSSize size, void (^draw)(void)) {
+  if (width <= 0 || height <= 0) return nullptr;
+  NSBitmapImageRep *rep = NewRGBARep(width, height);
+  if (!rep) return nullptr;
+  memset([rep bitmapData], 0, size_t(width * height * 4));
+  [rep setSize:size];
+  CGImageRef image = nullptr;
+  NSGraphicsContext *context = [NSGraphicsContext graphicsContextWithBitmapImageRep:rep];
+  if (context) {
+    [NSGraphicsContext saveGraphicsState];
+    [NSGraphicsContext setCurrentContext:context];
+    @try {
+      draw();
+    } @catch (NSException *e) {
+    }
+    [NSGraphicsContext restoreGraphicsState];  // brings the pixels to the rep
+    image = [rep CGImage];
+    CGImageRetain(image);
+  }
+  [rep release];
+  return image;
+}
+
+NSInteger PixelsFor(CGFloat points) { return NSInteger(std::ceil(points - 1e-9)); }
+
+}  // namespace
+
+@implementation NSBitmapImageRep (TalvoPlatformGraphics)
+
+- (instancetype)initWithCGImage:(CGImageRef)image {
+  if (!image) {
+    [self release];
+    return nil;
+  }
+  NSInteger width = NSInteger(CGImageGetWidth(image)), height = NSInteger(CGImageGetHeight(image));
+  self = [self initWithBitmapDataPlanes:NULL
+                             pixelsWide:width
+                             pixelsHigh:height
+                          bitsPerSample:8
+                        samplesPerPixel:4
+                               hasAlpha:YES
+                               isPlanar:NO
+                         colorSpaceName:NSDeviceRGBColorSpace
+                           bitmapFormat:NSBitmapFormat(0)
+                            bytesPerRow:width * 4
+                           bitsPerPixel:32];
+  if (!self) return nil;
+  memset([self bitmapData], 0, size_t(width * height * 4));
+  CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+  CGContextRef c = CGBitmapContextCreate([self bitmapData], size_t(width), size_t(height), 8,
+                                         size_t(width * 4), space, kCGImageAlphaPremultipliedLast);
+  CGColorSpaceRelease(space);
+  if (!c) {
+    [self release];
+    return nil;
+  }
+  CGContextSetBlendMode(c, kCGBlendModeCopy);
+  CGContextDrawImage(c, CGRectMake(0, 0, width, height), image);
+  CGContextRelease(c);
+  return self;
+}
+
+- (CGImageRef)CGImage {
+  NSInteger width = [self pixelsWide], height = [self pixelsHigh];
+  NSInteger spp = [self samplesPerPixel], bps = [self bitsPerSample];
+  NSBitmapFormat format = [self bitmapFormat];
+  bool gray = spp - ([self hasAlpha] ? 1 : 0) == 1;
+  bool usable = ![self isPlanar] && (bps == 8 || bps == 16) &&
+                (format & NSFloatingPointSamplesBitmapFormat) == 0 && [self bitmapData] != NULL &&
+                spp >= 1 && spp <= 4;
+  if (!usable || width <= 0 || height <= 0) {
+    // Anything else goes through drawing.
+    NSBitmapImageRep *me = self;
+    return [_TVCGReference autoreleaseImage:NewImageByDrawing(width, height, [self size], ^{
+                             [me drawInRect:NSMakeRect(0, 0, [me size].width, [me size].height)];
+                           })];
+  }
+  CGBitmapInfo info = kCGImageAlphaNone;
+  if ([self hasAlpha]) {
+    bool first = (format & NSAlphaFirstBitmapFormat) != 0;
+    bool premultiplied = (format & NSAlphaNonpremultipliedBitmapFormat) == 0;
+    info = first ? (premultiplied ? kCGImageAlphaPremultipliedFirst : kCGImageAlphaFirst)
+                 : (premultiplied ? kCGImageAlphaPremultipliedLast : kCGImageAlphaLast);
+  }
+  if (bps == 16) info |= kCGBitmapByteOrder16Host;  // GNUstep keeps native 16-bit samples
+  size_t length = size_t([self bytesPerRow]) * size_t(height);
+  CGDataProviderRef provider = CGDataProviderCreateWithData(NULL, [self bitmapData], length, NULL);
+  CGColorSpaceRef space = gray ? CGColorSpaceCreateDeviceGray() : CGColorSpaceCreateDeviceRGB();
+  CGImageRef image = CGImageCreate(size_t(width), size_t(height), size_t(bps),
+                                   size_t([self bitsPerPixel]), size_t([self bytesPerRow]), space,
+                                   info, provider, NULL, true, kCGRenderingIntentDefault);
+  CGColorSpaceRelease(space);
+  CGDataProviderRelease(provider);
+  return [_TVCGReference autoreleaseImage:image];
+}
+
+@end
+
+@implementation NSImageRep (TalvoPlatformGraphics)
+
+- (CGImageRef)CGImageForProposedRect:(NSRect *)proposedDestRect
+                             context:(NSGraphicsContext *)referenceContext
+                               hints:(NSDictionary *)hints {
+  NSSize size = proposedDestRect ? proposedDestRect->size : [self size];
+  NSInteger width = proposedDestRect ? PixelsFor(size.width) : [self pixelsWide];
+  NSInteger height = proposedDestRect ? PixelsFor(size.height) : [self pixelsHigh];
+  if (width <= 0 || height <= 0) width = PixelsFor(size.width), height = PixelsFor(size.height);
+  NSImageRep *me = self;
+  return [_TVCGReference autoreleaseImage:NewImageByDrawing(width, height, size, ^{
+                           [me drawInRect:NSMakeRect(0, 0, size.width, size.height)];
+                         })];
+}
+
+@end
+
+@implementation NSImage (TalvoPlatformGraphics)
+
+- (CGImageRef)CGImageForProposedRect:(NSRect *)proposedRect
+                             context:(NSGraphicsContext *)context
+                               hints:(NSDictionary *)hints {
+  NSSize size = proposedRect ? proposedRect->size : [self size];
+  NSImage *me = self;
+  return [_TVCGReference
+      autoreleaseImage:NewImageByDrawing(PixelsFor(size.width), PixelsFor(size.height), size, ^{
+        [me drawInRect:NSMakeRect(0, 0, size.width, size.height)
+              fromRect:NSZeroRect
+             operation:NSCompositeSourceOver
+              fraction:1];
+      })];
+}
+
+@end
+
+@implementation NSColor (TalvoPlatformGraphics)
+
+- (CGColorRef)CGColor {
+  NSColor *rgb = nil;
+  @try {
+    rgb = [self colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+    if (!rgb) rgb = [self colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+  } @catch (NSException *e) {
+    rgb = nil;
+  }
+  if (!rgb) return nullptr;
+  return [_TVCGReference autoreleaseColor:CGColorCreateGenericRGB([rgb redComponent],
+                                                                  [rgb greenComponent],
+                                                                  [rgb blueComponent],
+                                                                  [rgb alphaComponent])];
+}
+
+@end
