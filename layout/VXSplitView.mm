@@ -1,5 +1,6 @@
 #import <Talvo/VXSplitView.h>
 
+#import "layout/VXConstraintSet.h"
 #import "layout/VXSplitView+Private.h"
 #import "support/TalvoMRC.h"
 
@@ -95,7 +96,7 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
   if (constraints == _viewStackConstraints) {
     return;
   }
-  [self replaceInstalledConstraints:&_viewStackConstraints with:constraints];
+  VXReplaceConstraintSet(self, &_viewStackConstraints, constraints);
   [self setNeedsDisplay:YES];
 }
 
@@ -103,7 +104,7 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
   if (constraints == _positionConstraints) {
     return;
   }
-  [self replaceInstalledConstraints:&_positionConstraints with:constraints];
+  VXReplaceConstraintSet(self, &_positionConstraints, constraints);
 }
 
 - (NSArray *)constraintsForPositions {
@@ -248,22 +249,6 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
   [self setPositionConstraints:nil];
   [self _updateViewStackConstraints];
   [self _updatePositionConstraints];
-}
-
-// Removes the constraints of *installed from the split view, stores the new
-// set and installs it; nil asks the next update pass for a new set.
-- (void)replaceInstalledConstraints:(NSArray **)installed with:(NSArray *)constraints {
-  if (*installed != nil) {
-    [self removeConstraints:*installed];
-  }
-  NSArray *old = *installed;
-  *installed = [constraints retain];
-  [old release];
-  if (constraints != nil) {
-    [self addConstraints:constraints];
-  } else {
-    [self setNeedsUpdateConstraints:YES];
-  }
 }
 
 // A subview that is not a divider came or went: the chain is stale.

@@ -1,5 +1,7 @@
 #import <Talvo/VXStackView.h>
 
+#import "layout/VXConstraintSet.h"
+
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
 #endif
@@ -34,17 +36,7 @@ static NSString *const VXStackCurrentViewKey = @"currentView";
   if (constraints == _viewStackConstraints) {
     return;
   }
-  if (_viewStackConstraints != nil) {
-    [self removeConstraints:_viewStackConstraints];
-  }
-  NSArray *old = _viewStackConstraints;
-  _viewStackConstraints = [constraints retain];
-  [old release];
-  if (constraints != nil) {
-    [self addConstraints:constraints];
-  } else {
-    [self setNeedsUpdateConstraints:YES];
-  }
+  VXReplaceConstraintSet(self, &_viewStackConstraints, constraints);
 }
 
 - (void)updateConstraints {
