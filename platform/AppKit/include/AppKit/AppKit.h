@@ -9,3 +9,7 @@
 #import <AppKit/NSEvent+TalvoPlatform.h>
 #import <AppKit/NSLayoutConstraint+TalvoPlatform.h>
 #import <AppKit/NSGraphicsContext+TalvoPlatform.h>
+#import <AppKit/NSAnimationContext+TalvoPlatform.h>
+#import <AppKit/NSView+TalvoAnimation.h>
+#import <AppKit/NSWindow+TalvoAnimation.h>
+#import <AppKit/NSLayoutConstraint+TalvoAnimation.h>
