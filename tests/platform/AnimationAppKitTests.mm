@@ -89,6 +89,7 @@ TEST_F(AnimationContext, ImplicitContextAndNestedGroups) {
 }
 
 TEST_F(AnimationContext, RunAnimationGroupPassesTheCurrentContext) {
+  NSAnimationContext *outer = [NSAnimationContext currentContext];
   __block NSAnimationContext *seen = nil;
   __block double duration = 0;
   [NSAnimationContext runAnimationGroup:^(NSAnimationContext *context) {
@@ -97,7 +98,8 @@ TEST_F(AnimationContext, RunAnimationGroupPassesTheCurrentContext) {
     EXPECT_EQ(context, [NSAnimationContext currentContext]);
   }];
   EXPECT_NE(seen, nil);
-  EXPECT_NE(seen, [NSAnimationContext currentContext]);
+  EXPECT_NE(seen, outer);
+  EXPECT_EQ([NSAnimationContext currentContext], outer);
   EXPECT_DOUBLE_EQ(duration, 0.25);
   RunLoopTurn();
 }
