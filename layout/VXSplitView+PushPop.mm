@@ -1,12 +1,7 @@
 // Pushing and popping edge panels, sliding when animated, with their widths
 // remembered under autosave names.
 
-#if __has_include(<QuartzCore/QuartzCore.h>)
 #import <QuartzCore/QuartzCore.h>
-#define VX_HAS_ANIMATION 1
-#else
-#define VX_HAS_ANIMATION 0
-#endif
 #import <Talvo/VXSplitView.h>
 #import <Talvo/VXSplitViewPositioner.h>
 
@@ -24,9 +19,7 @@ NSString *const VXSplitViewDidCollapseSubviewNotification =
     @"VXSplitViewDidCollapseSubviewNotification";
 NSString *const VXSplitViewPushPositionKey = @"VXSplitViewPushPositionKey";
 
-#if VX_HAS_ANIMATION
 static const NSTimeInterval VXSplitViewSlideDuration = 0.25;
-#endif
 
 @implementation VXSplitView (PushPop)
 
@@ -72,7 +65,6 @@ static const NSTimeInterval VXSplitViewSlideDuration = 0.25;
     return;
   }
 
-#if VX_HAS_ANIMATION
   _isInAnimation = YES;
   [side setConstant:-width];
   [divider setConstant:[positioner initialDividerConstantForWidth:width inSplitView:self]];
@@ -89,11 +81,6 @@ static const NSTimeInterval VXSplitViewSlideDuration = 0.25;
   [[side animator] setConstant:0];
   [[divider animator] setConstant:[positioner finalDividerConstantForWidth:width inSplitView:self]];
   [NSAnimationContext endGrouping];
-#else
-  [side setConstant:0];
-  [divider setConstant:[positioner finalDividerConstantForWidth:width inSplitView:self]];
-  [self _postPushNotificationOnPosition:position];
-#endif
 }
 
 - (void)popSubViewAtPosition:(VXSplitViewPushPosition)position {
@@ -112,7 +99,6 @@ static const NSTimeInterval VXSplitViewSlideDuration = 0.25;
     [self removePoppedView:view position:position];
     return;
   }
-#if VX_HAS_ANIMATION
   _isInAnimation = YES;
   [NSAnimationContext beginGrouping];
   NSAnimationContext *context = [NSAnimationContext currentContext];
@@ -130,12 +116,6 @@ static const NSTimeInterval VXSplitViewSlideDuration = 0.25;
   [[divider animator] setConstant:[positioner initialDividerConstantForWidth:width
                                                                  inSplitView:self]];
   [NSAnimationContext endGrouping];
-#else
-  (void)side;
-  (void)divider;
-  (void)width;
-  [self removePoppedView:view position:position];
-#endif
 }
 
 #pragma mark - Private

@@ -6,6 +6,7 @@
 #import <Talvo/VXSplitViewPositionerAtEnd.h>
 
 #import "layout/VXSplitView+Private.h"
+#import "platform/QuartzCore/TVAnimationClock.h"
 #import "support/TestSupport.h"
 
 // A delegate whose answers tests set, and which logs what it is asked.
@@ -193,6 +194,23 @@ TEST_F(SplitViewDragging, DraggingPastTheGapCollapsesWhenTheDelegateAgrees) {
   EXPECT_EQ(NSWidth([[[split_ viewsInLayout] objectAtIndex:0] frame]), 400);
   // The popped panel's width was kept under its name.
   EXPECT_NSEQ([[split_ autosavedSizes] objectForKey:@"side"], @249.0);
+}
+
+TEST_F(SplitViewDragging, AnimatedCollapseReportsTheDragBeforeTheCollapseEnds) {
+  TwoViews();
+  TVAnimationClockSetManual(YES);
+  [split_ setAnimated:YES];
+  delegate_.get()->_collapse = YES;
+  Mouse(NSLeftMouseDown, 150.2);
+  Mouse(NSLeftMouseDragged, 360.0);
+  EXPECT_NSEQ(Names(), (@[ VXSplitViewWillDragDividerNotification,
+                           @"VXSplitViewWillCollapseSubviewNotification 1",
+                           VXSplitViewDidDragDividerNotification ]));
+  EXPECT_EQ([[split_ subviews] count], 3u);  // still sliding out
+  TVAnimationClockAdvance(0.3);
+  EXPECT_NSEQ([Names() lastObject], @"VXSplitViewDidCollapseSubviewNotification 1");
+  EXPECT_EQ([[split_ subviews] count], 2u);
+  TVAnimationClockSetManual(NO);
 }
 
 TEST_F(SplitViewDragging, DelegateRefusalOrAbsenceMeansNoCollapse) {
