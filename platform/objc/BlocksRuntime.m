@@ -5,8 +5,8 @@
  * reference counting: gnustep-base's _Block_copy hands a stack block back
  * uncopied, and libBlocksRuntime leaves heap copies with the stack isa and
  * never retains the objects a block captures. Talvo therefore defines the
- * runtime entry points itself, after the block ABI that clang documents
- * ("Block Implementation Specification"), and makes the three isa symbols
+ * runtime entry points itself, after the block ABI that clang documents,
+ * and makes the three isa symbols
  * real classes, so that blocks answer copy, retain, release and autorelease
  * and can live in properties and collections.
  *
