@@ -83,6 +83,26 @@
 }
 @end
 
+// Records the cursor rectangles the split view asks for.
+@interface TVCursorSplitView : VXSplitView {
+ @public
+  NSMutableArray *_cursorRects;
+}
+@end
+
+@implementation TVCursorSplitView
+- (void)addCursorRect:(NSRect)rect cursor:(NSCursor *)cursor {
+  NSString *kind = cursor == [NSCursor resizeLeftRightCursor]
+                       ? @"leftRight"
+                       : (cursor == [NSCursor resizeRightCursor] ? @"right" : @"left");
+  [_cursorRects addObject:[NSString stringWithFormat:@"%@ %@", kind, NSStringFromRect(rect)]];
+}
+- (void)dealloc {
+  [_cursorRects release];
+  [super dealloc];
+}
+@end
+
 namespace {
 
 class SplitViewDragging : public PooledTest {
@@ -97,7 +117,8 @@ class SplitViewDragging : public PooledTest {
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO]);
     [window_.get() setReleasedWhenClosed:NO];
-    split_ = [[[VXSplitView alloc] initWithFrame:NSMakeRect(0, 0, 400, 300)] autorelease];
+    split_ = [[[TVCursorSplitView alloc] initWithFrame:NSMakeRect(0, 0, 400, 300)] autorelease];
+    ((TVCursorSplitView *)split_)->_cursorRects = [NSMutableArray new];
     [[window_.get() contentView] addSubview:split_];
     [split_ setDelegate:delegate_];
     log_.reset([[TVNotificationLog alloc] initWithObject:split_]);
@@ -266,6 +287,25 @@ TEST_F(SplitViewDragging, EdgeZonesCaptureClicksOnlyWhenActive) {
   EXPECT_EQ([content hitTest:NSMakePoint(148, 100)], split_);
   Mouse(NSLeftMouseDown, 3);
   EXPECT_NSEQ(delegate_.get()->_log, (@[ @"click 0" ]));
+}
+
+TEST_F(SplitViewDragging, CursorRectsCoverDividersEdgesAndTheWholeViewWhileDragging) {
+  TwoViews();
+  NSMutableArray *rects = ((TVCursorSplitView *)split_)->_cursorRects;
+  delegate_.get()->_activeEnd = YES;
+  [rects removeAllObjects];
+  [split_ resetCursorRects];
+  ASSERT_EQ([rects count], 2u);
+  EXPECT_NSEQ([rects objectAtIndex:0],
+              ([@"leftRight " stringByAppendingString:NSStringFromRect(NSMakeRect(148, 0, 5, 300))]));
+  EXPECT_NSEQ([rects objectAtIndex:1],
+              ([@"left " stringByAppendingString:NSStringFromRect(NSMakeRect(394, 0, 6, 300))]));
+
+  Mouse(NSLeftMouseDown, 150.2);
+  [rects removeAllObjects];
+  [split_ resetCursorRects];
+  EXPECT_NSEQ(rects, (@[ [@"leftRight " stringByAppendingString:NSStringFromRect(NSMakeRect(0, 0, 400, 300))] ]));
+  Mouse(NSLeftMouseUp, 150.2);
 }
 
 TEST_F(SplitViewDragging, PushUsesTheAutosavedWidthAndPopRecordsIt) {
