@@ -12,7 +12,7 @@ TEST_ENV        = TMPDIR=$(abspath $(BUILD_DIR))/tmp GNUSTEP_USER_ROOT=$(abspath
 REQUIRED_TOOLS = clang cmake gnustep-config xvfb-run
 MISSING = $(strip $(foreach t,$(REQUIRED_TOOLS),$(if $(shell command -v $(t) 2>/dev/null),,$(t))))
 
-.PHONY: all deps build check check-asan install demo clean
+.PHONY: all deps build check check-asan install demo bench clean
 
 PREFIX ?= /usr/local
 
@@ -56,6 +56,13 @@ demo: build
 	    $(BUILD_DIR)/gallery.log; \
 	  exit $$status; \
 	fi
+
+# Benchmarks in an optimised build of their own.
+bench: deps
+	$(CMAKE_ENV) cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTALVO_BUILD_TESTS=OFF
+	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench
+	build-release/bench/LayoutSolverBench
+	build-release/bench/TimingCurveBench
 
 install: build
 	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
