@@ -13,3 +13,4 @@
 #import <AppKit/NSView+TalvoAnimation.h>
 #import <AppKit/NSWindow+TalvoAnimation.h>
 #import <AppKit/NSLayoutConstraint+TalvoAnimation.h>
+#import <AppKit/NSScreen+TalvoPlatform.h>
