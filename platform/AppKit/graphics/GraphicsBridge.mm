@@ -469,6 +469,14 @@ NSSize SurfaceSize(id self, SEL) {
   return NSMakeSize(cairo_image_surface_get_width(s), cairo_image_surface_get_height(s));
 }
 void SurfaceSetSize(id, SEL, NSSize) {}
+// GNUstep's CairoSurface leaves its cairo surface to subclasses to free.
+void SurfaceDealloc(id self, SEL s) {
+  cairo_surface_t *&surface = IvarAt<cairo_surface_t *>(self, B().surfaceHandle);
+  if (surface) cairo_surface_destroy(surface);
+  surface = nullptr;
+  IMP inherited = class_getMethodImplementation(B().surfaceClass, s);
+  ((void (*)(id, SEL))inherited)(self, s);
+}
 BOOL SurfaceIsDrawingToScreen(id, SEL) { return NO; }
 
 Class ImageSurfaceClass() {
@@ -479,6 +487,7 @@ Class ImageSurfaceClass() {
   class_addMethod(cls, @selector(size), (IMP)SurfaceSize, "{_NSSize=dd}16@0:8");
   class_addMethod(cls, @selector(setSize:), (IMP)SurfaceSetSize, "v32@0:8{_NSSize=dd}16");
   class_addMethod(cls, @selector(isDrawingToScreen), (IMP)SurfaceIsDrawingToScreen, "C16@0:8");
+  class_addMethod(cls, @selector(dealloc), (IMP)SurfaceDealloc, "v16@0:8");
   objc_registerClassPair(cls);
   b.imageSurfaceClass = cls;
   return cls;
@@ -698,7 +707,9 @@ bool AttachSurface(NSGraphicsContext *context, cairo_surface_t *surface) {
   Class cls = ImageSurfaceClass();
   id gstate = GStateOf(context);
   if (!cls || !gstate || !surface) return false;
-  id object = class_createInstance(cls, 0);
+  // Through NSObject: GNUstep keeps an object's retain count in a header
+  // before it that the runtime's class_createInstance does not allocate.
+  id object = [cls alloc];
   IvarAt<cairo_surface_t *>(object, B().surfaceHandle) = cairo_surface_reference(surface);
   @try {
     [gstate GSSetSurface:object :0 :cairo_image_surface_get_height(surface)];
@@ -858,19 +869,24 @@ void HFlush(NSGraphicsContext *self, SEL s) {
 
 void HContextDealloc(NSGraphicsContext *self, SEL s) {
   auto it = Records().find(self);
-  if (it != Records().end()) {
-    SyncContext(self);
-    ContextRecord record = it->second;
-    Records().erase(it);
-    if (record.port) {
-      if (record.port->bridge.get() == record.bridge) TVCGContextSetBridge(record.port, nullptr);
-      CGContextRelease(record.port);
-    }
-    [record.target.rep release];
-    if (record.target.surface) cairo_surface_destroy(record.target.surface);
-    SetPortIvar(self, nullptr);
+  if (it == Records().end()) {
+    ((void (*)(id, SEL))oContextDealloc)(self, s);
+    return;
   }
+  SyncContext(self);
+  ContextRecord record = it->second;
+  Records().erase(it);
+  // The bridge points at this context: it goes first.
+  if (record.port && record.port->bridge.get() == record.bridge) {
+    TVCGContextSetBridge(record.port, nullptr);
+  }
+  SetPortIvar(self, nullptr);
+  // GNUstep's teardown still flushes into the surface, whose pixels may live
+  // in the wrapped bitmap context: release that only afterwards.
   ((void (*)(id, SEL))oContextDealloc)(self, s);
+  if (record.port) CGContextRelease(record.port);
+  [record.target.rep release];
+  if (record.target.surface) cairo_surface_destroy(record.target.surface);
 }
 
 void HShadowSet(NSShadow *self, SEL s) {
