@@ -1,6 +1,7 @@
 #import "gallery/GalleryPage.h"
 
 #import "gallery/pages/BindingsPage.h"
+#import "gallery/pages/ImagesPage.h"
 #import "gallery/pages/SplitViewPage.h"
 #import "gallery/pages/StackViewPage.h"
 
@@ -36,6 +37,7 @@
 NSArray *GalleryAllPages(void) {
   return [NSArray arrayWithObjects:[[SplitViewPage new] autorelease],
                                    [[StackViewPage new] autorelease],
+                                   [[ImagesPage new] autorelease],
                                    [[BindingsPage new] autorelease], nil];
 }
 

@@ -20,6 +20,15 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSLayoutConstraint+Container.h>
 #import <Talvo/VXLiveResizeView.h>
 
+// Images and colours
+#import <Talvo/VXImageTrimming.h>
+#import <Talvo/VXOffscreenDrawing.h>
+#import <Talvo/NSBitmapImageRep+Trim.h>
+#import <Talvo/NSImage+Trim.h>
+#import <Talvo/NSImage+Cap.h>
+#import <Talvo/NSImage+FitSize.h>
+#import <Talvo/NSImage+DrawColor.h>
+
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>
 #import <Talvo/NSObject+TwoWayBinding.h>
