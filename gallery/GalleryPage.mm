@@ -1,6 +1,8 @@
 #import "gallery/GalleryPage.h"
 
 #import "gallery/pages/BindingsPage.h"
+#import "gallery/pages/ColorsPage.h"
+#import "gallery/pages/PopoverPage.h"
 #import "gallery/pages/ImagesPage.h"
 #import "gallery/pages/SplitViewPage.h"
 #import "gallery/pages/StackViewPage.h"
@@ -38,6 +40,8 @@ NSArray *GalleryAllPages(void) {
   return [NSArray arrayWithObjects:[[SplitViewPage new] autorelease],
                                    [[StackViewPage new] autorelease],
                                    [[ImagesPage new] autorelease],
+                                   [[ColorsPage new] autorelease],
+                                   [[PopoverPage new] autorelease],
                                    [[BindingsPage new] autorelease], nil];
 }
 

@@ -28,6 +28,14 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSImage+Cap.h>
 #import <Talvo/NSImage+FitSize.h>
 #import <Talvo/NSImage+DrawColor.h>
+#import <Talvo/NSColor+Checkboard.h>
+#import <Talvo/NSColor+Talvo.h>
+#import <Talvo/NSColor+Transform.h>
+#import <Talvo/NSGradient+GradientCell.h>
+#import <Talvo/ReflectedGradient.h>
+
+// Controls and cells
+#import <Talvo/VXPopoverShape.h>
 
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>
