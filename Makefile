@@ -59,10 +59,13 @@ demo: build
 
 # Benchmarks in an optimised build of their own.
 bench: deps
+	tools/install-deps --bench
 	$(CMAKE_ENV) cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTALVO_BUILD_TESTS=OFF
-	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench
+	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench ImageBench
 	build-release/bench/LayoutSolverBench
 	build-release/bench/TimingCurveBench
+	$(XVFB) build-release/bench/ImageBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
+	$(XVFB) bench/compare-trim.py build-release/bench/ImageBench
 
 install: build
 	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
