@@ -1,6 +1,8 @@
 // The Auto Layout solver on the shapes windows give it: a row of views
-// chained edge to edge, built from nothing, and re-solved as the window's
-// width is dragged.
+// chained edge to edge, built from nothing and re-solved as the window's
+// width is dragged; and a split view, built from nothing and re-solved as one
+// divider is dragged. bench/compare-kiwi.py builds the same split view with
+// kiwisolver and reads these figures (--benchmark_format=json).
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -48,7 +50,7 @@ void BM_BuildRow(benchmark::State &state) {
   }
   state.SetComplexityN(n);
 }
-BENCHMARK(BM_BuildRow)->Arg(10)->Arg(25)->Arg(50)->Arg(100)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_BuildRow)->Arg(10)->Arg(25)->Arg(50)->Arg(100)->Arg(200)->Unit(benchmark::kMicrosecond);
 
 void BM_ResizeRow(benchmark::State &state) {
   int n = static_cast<int>(state.range(0));
@@ -65,5 +67,81 @@ void BM_ResizeRow(benchmark::State &state) {
   }
 }
 BENCHMARK(BM_ResizeRow)->Arg(10)->Arg(50)->Arg(100)->Unit(benchmark::kMicrosecond);
+
+// --- Split view ----------------------------------------------------------------
+//
+// n views V0..Vn-1 side by side in a container 100 * n wide and 400 tall, a
+// 1-point divider between neighbours (Vk.left == Vk-1.right + 1), V0 pinned
+// to the leading edge and Vn-1 to the trailing edge, every view at least 0
+// wide, top and bottom pinned to the container's (both axes are built), and
+// each divider held where the user left it at priority 490:
+// Vk.left == 100 * k. compare-kiwi.py builds exactly this system.
+constexpr double kPitch = 100.0;
+constexpr double kHeight = 400.0;
+constexpr double kDivider = 1.0;
+
+struct Split {
+  Variable width{"container.width"}, height{"container.height"};
+  std::vector<Variable> left, right, top, bottom;
+  std::vector<Constraint> position;  // position[k] holds divider k (Vk+1.left)
+};
+
+void BuildSplit(Solver &solver, Split &split, int n) {
+  auto required = [&](const Expression &lhs, Relation relation, const Expression &rhs) {
+    solver.addConstraint(Constraint::Make(lhs, relation, rhs));
+  };
+  required(split.width, Relation::Equal, kPitch * n);
+  required(split.height, Relation::Equal, kHeight);
+  for (int k = 0; k < n; k++) {
+    split.left.emplace_back("left");
+    split.right.emplace_back("right");
+    split.top.emplace_back("top");
+    split.bottom.emplace_back("bottom");
+    required(split.left[k], Relation::Equal,
+             k == 0 ? Expression(0.0) : Expression(split.right[k - 1]) + kDivider);
+    required(split.right[k], Relation::GreaterThanOrEqual, split.left[k]);
+    required(split.top[k], Relation::Equal, 0.0);
+    required(split.bottom[k], Relation::Equal, split.height);
+    if (k > 0) {
+      split.position.push_back(
+          Constraint::Make(split.left[k], Relation::Equal, kPitch * k, Strength{490}));
+      solver.addConstraint(split.position.back());
+    }
+  }
+  required(split.right[n - 1], Relation::Equal, split.width);
+}
+
+void BM_BuildSplit(benchmark::State &state) {
+  int n = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    Solver solver;
+    Split split;
+    BuildSplit(solver, split, n);
+    solver.updateVariables();
+    benchmark::DoNotOptimize(split.right[n / 2].value());
+  }
+  state.SetComplexityN(n);
+}
+BENCHMARK(BM_BuildSplit)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+// The middle divider dragged back and forth over 50 points, one step per
+// iteration: its position constant changed in place, then the frames read.
+void BM_DragSplit(benchmark::State &state) {
+  int n = static_cast<int>(state.range(0));
+  Solver solver;
+  Split split;
+  BuildSplit(solver, split, n);
+  int divider = n / 2;  // Vdivider.left
+  const Constraint &dragged = split.position[divider - 1];
+  int step = 0;
+  for (auto _ : state) {
+    step = (step + 1) % 100;
+    double offset = step < 50 ? step : 100 - step;
+    solver.updateConstant(dragged, -(kPitch * divider + offset));
+    solver.updateVariables();
+    benchmark::DoNotOptimize(split.left[divider].value());
+  }
+}
+BENCHMARK(BM_DragSplit)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

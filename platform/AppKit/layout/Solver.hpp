@@ -49,6 +49,25 @@ class Solver {
   bool hasEditVariable(const Variable& variable) const noexcept;
   Status suggestValue(const Variable& variable, double value) noexcept;
 
+  // Changes the constant of a constraint the solver holds, in place: the
+  // same dual-simplex step suggestValue takes, so a divider drag re-solves
+  // from the current basis instead of removing and re-adding.
+  //
+  // `newConstant` is the constant of the constraint's stored expression
+  // (`lhs - rhs`), so `x == 40` made by Constraint::Make(x, Equal, 40) has
+  // constant -40. Constraint handles are immutable: the solver keeps the
+  // current constant in its own record (read it with constantOf); the handle's
+  // expression() keeps the one it was made with, and removing then re-adding
+  // the handle starts from that one again.
+  //
+  // A change that leaves the required constraints without a solution answers
+  // Unsatisfiable, keeps the old constant and solves the system as it was
+  // before the call again: the earlier solution comes back (among equally
+  // good solutions the solver may settle on another one).
+  Status updateConstant(const Constraint& constraint, double newConstant) noexcept;
+  // The constant the solver holds for `constraint`: false if it holds none.
+  bool constantOf(const Constraint& constraint, double& constant) const noexcept;
+
   // Writes the solved values into every variable the solver knows.
   void updateVariables() noexcept;
   // Drops every constraint and edit variable.
