@@ -73,6 +73,26 @@ struct Row {
     }
   }
 
+  // this += other * coefficient, by a linear merge.
+  void add(const Row& other, double coefficient) {
+    constant += other.constant * coefficient;
+    std::vector<Cell> merged;
+    merged.reserve(cells.size() + other.cells.size());
+    auto mine = cells.begin();
+    auto theirs = other.cells.begin();
+    while (mine != cells.end() || theirs != other.cells.end()) {
+      if (theirs == other.cells.end() || (mine != cells.end() && mine->first < theirs->first)) {
+        merged.push_back(*mine++);
+        continue;
+      }
+      double value = theirs->second * coefficient;
+      if (mine != cells.end() && mine->first.id == theirs->first.id) value += (mine++)->second;
+      if (!NearZero(value)) merged.push_back({theirs->first, value});
+      ++theirs;
+    }
+    cells = std::move(merged);
+  }
+
   void reverseSign() {
     constant = -constant;
     for (auto& cell : cells) cell.second = -cell.second;
@@ -461,8 +481,7 @@ struct Solver::Impl {
     row.cells.clear();
     for (const auto& [symbol, coefficient] : terms) {
       if (TableRow* basic = basicRow(symbol)) {
-        row.constant += basic->row.constant * coefficient;
-        for (const auto& cell : basic->row.cells) row.insert(cell.first, cell.second * coefficient);
+        row.add(basic->row, coefficient);
       } else {
         row.insert(symbol, coefficient);
       }
@@ -510,10 +529,14 @@ struct Solver::Impl {
   // The row's subject, the symbol it is solved for:
   //  - an external variable (none in the row is basic: they were substituted),
   //    the one in fewest rows so the substitution touches least;
+  //  - for a row the current solution already satisfies (constant 0), a
+  //    slack or error the objective does not weigh: solving for it moves no
+  //    value and leaves the objective as it was, so still optimal, with no
+  //    pivot at all. This is what keeps `w[i] == w[i-1]` between views
+  //    already placed from starting a run of degenerate pivots;
   //  - else the constraint's own slack or error with a negative coefficient;
-  //  - else, for a row already satisfied (constant 0), any slack or error:
-  //    solving for it moves nothing; a slack is preferred since it is not in
-  //    the objective, which then stays optimal;
+  //  - else, with constant 0, any slack or error (the objective then needs
+  //    optimising);
   //  - else a slack or error with a negative coefficient whose value the row
   //    fixes without driving another row negative (the ratio test).
   // Invalid when none fits: phase one with an artificial variable decides.
@@ -529,21 +552,32 @@ struct Solver::Impl {
       }
     }
     if (best.valid()) return best;
+
+    bool satisfied = NearZero(row.constant);
+    if (satisfied) {
+      for (const auto& cell : row.cells) {
+        if (!cell.first.pivotable() || objective.coefficientFor(cell.first)) continue;
+        std::size_t uses = columnSize(cell.first);
+        if (!best.valid() || uses < bestUses) {
+          best = cell.first;
+          bestUses = uses;
+        }
+      }
+      if (best.valid()) {
+        if (row.coefficientFor(best) > 0.0) row.reverseSign();
+        return best;
+      }
+    }
+
     if (tag.marker.pivotable() && row.coefficientFor(tag.marker) < 0.0) return tag.marker;
     if (tag.other.pivotable() && row.coefficientFor(tag.other) < 0.0) return tag.other;
 
-    if (NearZero(row.constant)) {
-      Symbol error;
+    if (satisfied) {
       for (const auto& cell : row.cells) {
-        if (cell.first.kind == SymbolKind::Slack) {
+        if (cell.first.pivotable()) {
           if (cell.second > 0.0) row.reverseSign();
           return cell.first;
         }
-        if (cell.first.kind == SymbolKind::Error && !error.valid()) error = cell.first;
-      }
-      if (error.valid()) {
-        if (row.coefficientFor(error) > 0.0) row.reverseSign();
-        return error;
       }
       return Symbol();
     }
