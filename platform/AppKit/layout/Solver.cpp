@@ -258,10 +258,6 @@ struct Solver::Impl {
     Strength strength;
     double constant;  // the expression's constant now (see updateConstant)
   };
-  struct VariableInfo {
-    Variable variable;
-    Symbol symbol;
-  };
   struct EditInfo {
     Constraint constraint;
     double constant;
@@ -283,6 +279,15 @@ struct Solver::Impl {
     std::int64_t row = kNoRow;
     std::vector<RowId> column;
   };
+  // Variables in creation order, each with its symbol's entry in the
+  // tableau (entries of external symbols are never dropped while the
+  // variable is known; node addresses survive rehashing), so writing the
+  // solution back is a walk down a vector with no lookups.
+  struct VariableInfo {
+    Variable variable;
+    Symbol symbol;
+    SymbolInfo* info;
+  };
   struct Tableau {
     std::vector<TableRow> rows;
     std::vector<RowId> freeRows;
@@ -291,7 +296,8 @@ struct Solver::Impl {
   };
 
   std::unordered_map<std::uint64_t, ConstraintInfo> constraints;
-  std::unordered_map<std::uint64_t, VariableInfo> variables;
+  std::unordered_map<std::uint64_t, std::size_t> variables;  // id -> variableList
+  std::vector<VariableInfo> variableList;
   std::unordered_map<std::uint64_t, EditInfo> edits;
   Tableau tableau;
   std::vector<Symbol> infeasible;
@@ -460,9 +466,10 @@ struct Solver::Impl {
 
   Symbol symbolFor(const Variable& variable, std::vector<std::uint64_t>& created) {
     auto it = variables.find(variable.id());
-    if (it != variables.end()) return it->second.symbol;
+    if (it != variables.end()) return variableList[it->second].symbol;
     Symbol symbol = makeSymbol(SymbolKind::External);
-    variables.emplace(variable.id(), VariableInfo{variable, symbol});
+    variables.emplace(variable.id(), variableList.size());
+    variableList.push_back(VariableInfo{variable, symbol, &tableau.symbols[symbol.id]});
     created.push_back(variable.id());
     return symbol;
   }
@@ -818,7 +825,17 @@ struct Solver::Impl {
   }
 
   void forgetVariables(const std::vector<std::uint64_t>& created) {
-    for (std::uint64_t id : created) variables.erase(id);
+    // The variables made by the failed call are the last ones.
+    for (std::uint64_t id : created) {
+      variables.erase(id);
+      tableau.symbols.erase(variableList.back().symbol.id);
+      variableList.pop_back();
+    }
+  }
+
+  // After the tableau was put back from a snapshot.
+  void relinkVariables() {
+    for (VariableInfo& info : variableList) info.info = &tableau.symbols[info.symbol.id];
   }
 
   // --- Constraints -------------------------------------------------------------
@@ -871,6 +888,7 @@ struct Solver::Impl {
     if (status != Status::Ok) {
       tableau = std::move(savedTableau);
       objective = std::move(savedObjective);
+      relinkVariables();
       infeasible.clear();
       forgetVariables(created);
       return status;
@@ -984,11 +1002,9 @@ struct Solver::Impl {
   }
 
   void update() {
-    for (auto& [id, info] : variables) {
-      const SymbolInfo* symbol = infoFor(info.symbol);
-      double value = symbol && symbol->row != kNoRow
-                         ? tableau.rows[static_cast<RowId>(symbol->row)].row.constant
-                         : 0.0;
+    for (VariableInfo& info : variableList) {
+      std::int64_t row = info.info->row;
+      double value = row != kNoRow ? tableau.rows[static_cast<RowId>(row)].row.constant : 0.0;
       info.variable.setValue(value == 0.0 ? 0.0 : value);  // no -0 in frames
     }
   }
