@@ -239,13 +239,18 @@ struct TVLayoutEngine {
 
 namespace {
 
-bool SameAsInstalled(NSLayoutConstraint *constraint,
-                     const TVLayoutEngine::InstalledConstraint &entry) {
+bool SameAsInstalledButConstant(NSLayoutConstraint *constraint,
+                                const TVLayoutEngine::InstalledConstraint &entry) {
   return entry.firstItem == [constraint firstItem] && entry.secondItem == [constraint secondItem] &&
          entry.firstAttribute == [constraint firstAttribute] &&
          entry.secondAttribute == [constraint secondAttribute] &&
          entry.relation == [constraint relation] && entry.multiplier == [constraint multiplier] &&
-         entry.constant == [constraint constant] && entry.priority == [constraint priority];
+         entry.priority == [constraint priority];
+}
+
+bool SameAsInstalled(NSLayoutConstraint *constraint,
+                     const TVLayoutEngine::InstalledConstraint &entry) {
+  return SameAsInstalledButConstant(constraint, entry) && entry.constant == [constraint constant];
 }
 
 }  // namespace
@@ -397,6 +402,21 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
   std::unordered_set<NSLayoutConstraint *> wanted(current.begin(), current.end());
   bool removedAny = false;
   for (auto it = installed.begin(); it != installed.end();) {
+    InstalledConstraint &entry = it->second;
+    // A new constant alone (a divider dragged, a slide's frame) is an edit of
+    // the live tableau, not a removal and a new row.
+    if (wanted.count(it->first) != 0 && !entry.solverConstraint.isNull() &&
+        entry.firstVariables == VariablesId(entry.firstItem) &&
+        entry.secondVariables == VariablesId(entry.secondItem) &&
+        entry.constant != [it->first constant] && SameAsInstalledButConstant(it->first, entry)) {
+      // The solver keeps lhs - rhs: the constraint's constant enters negated.
+      if (solver.updateConstant(entry.solverConstraint, -[it->first constant]) ==
+          talvo::layout::Status::Ok) {
+        entry.constant = [it->first constant];
+        ++it;
+        continue;
+      }
+    }
     if (wanted.count(it->first) == 0 || !SameAsInstalled(it->first, it->second) ||
         it->second.firstVariables != VariablesId(it->second.firstItem) ||
         it->second.secondVariables != VariablesId(it->second.secondItem)) {
