@@ -182,16 +182,18 @@ struct TVLayoutEngine {
     }
   }
 
-  void Replace(GeneratedConstraints &generated, std::vector<double> key,
-               std::vector<Constraint> constraints) {
-    if (key == generated.key && !generated.constraints.empty()) {
+  // Replaces the constraints generated from `key` when the key changed;
+  // `build` makes the new ones, only then.
+  template <typename Build>
+  void Replace(GeneratedConstraints &generated, std::vector<double> key, Build build) {
+    if (key == generated.key && !generated.key.empty()) {
       return;
     }
     for (const Constraint &constraint : generated.constraints) {
       solver.removeConstraint(constraint);
     }
     generated.key = std::move(key);
-    generated.constraints = std::move(constraints);
+    generated.constraints = build();
     for (const Constraint &constraint : generated.constraints) {
       solver.addConstraint(constraint);
     }
@@ -296,11 +298,13 @@ void TVLayoutEngine::SyncGeneratedConstraints(NSView *root, const std::vector<NS
     const ViewVariables &v = participant.variables;
     if (view == root) {
       NSRect bounds = [root bounds];
-      Replace(participant.frame, {0, NSWidth(bounds), NSHeight(bounds)},
-              {Constraint::Make(v.left, Relation::Equal, 0.0, required),
-               Constraint::Make(v.top, Relation::Equal, 0.0, required),
-               Constraint::Make(v.width, Relation::Equal, NSWidth(bounds), required),
-               Constraint::Make(v.height, Relation::Equal, NSHeight(bounds), required)});
+      Replace(participant.frame, {0, NSWidth(bounds), NSHeight(bounds)}, [&] {
+        return std::vector<Constraint>{
+            Constraint::Make(v.left, Relation::Equal, 0.0, required),
+            Constraint::Make(v.top, Relation::Equal, 0.0, required),
+            Constraint::Make(v.width, Relation::Equal, NSWidth(bounds), required),
+            Constraint::Make(v.height, Relation::Equal, NSHeight(bounds), required)};
+      });
       continue;
     }
     NSView *superview = [view superview];
@@ -314,38 +318,44 @@ void TVLayoutEngine::SyncGeneratedConstraints(NSView *root, const std::vector<NS
       BOOL flipped = [superview isFlipped];
       // Unflipped superviews keep the distance from their bottom edge.
       double y = flipped ? NSMinY(frame) - NSMinY(bounds) : NSMaxY(frame) - NSMinY(bounds);
-      Expression top = flipped ? Expression(s.top) + y
-                               : Expression(s.top) + Expression(s.height) - y;
       SetStays(participant, false);
       Replace(participant.frame,
-              {1, x, y, NSWidth(frame), NSHeight(frame), flipped ? 1.0 : 0.0,
-               (double)s.left.id()},
-              {Constraint::Make(v.left, Relation::Equal, Expression(s.left) + x, required),
-               Constraint::Make(v.top, Relation::Equal, top, required),
-               Constraint::Make(v.width, Relation::Equal, NSWidth(frame), required),
-               Constraint::Make(v.height, Relation::Equal, NSHeight(frame), required)});
-      Replace(participant.intrinsic, {}, {});
+              {1, x, y, NSWidth(frame), NSHeight(frame), flipped ? 1.0 : 0.0, (double)s.left.id()},
+              [&] {
+                Expression top =
+                    flipped ? Expression(s.top) + y : Expression(s.top) + Expression(s.height) - y;
+                return std::vector<Constraint>{
+                    Constraint::Make(v.left, Relation::Equal, Expression(s.left) + x, required),
+                    Constraint::Make(v.top, Relation::Equal, top, required),
+                    Constraint::Make(v.width, Relation::Equal, NSWidth(frame), required),
+                    Constraint::Make(v.height, Relation::Equal, NSHeight(frame), required)};
+              });
+      Replace(participant.intrinsic, {-1}, [] { return std::vector<Constraint>(); });
       continue;
     }
-    Replace(participant.frame, {2},
-            {Constraint::Make(v.width, Relation::GreaterThanOrEqual, 0.0, required),
-             Constraint::Make(v.height, Relation::GreaterThanOrEqual, 0.0, required)});
+    Replace(participant.frame, {2}, [&] {
+      return std::vector<Constraint>{
+          Constraint::Make(v.width, Relation::GreaterThanOrEqual, 0.0, required),
+          Constraint::Make(v.height, Relation::GreaterThanOrEqual, 0.0, required)};
+    });
     SetStays(participant, true);
     NSSize intrinsic = [view intrinsicContentSize];
-    std::vector<Constraint> sizes;
-    if (intrinsic.width != NSViewNoIntrinsicMetric) {
-      sizes.push_back(Constraint::Make(v.width, Relation::GreaterThanOrEqual, intrinsic.width,
-                                       Strength{kCompressionResistancePriority}));
-      sizes.push_back(Constraint::Make(v.width, Relation::LessThanOrEqual, intrinsic.width,
-                                       Strength{kHuggingPriority}));
-    }
-    if (intrinsic.height != NSViewNoIntrinsicMetric) {
-      sizes.push_back(Constraint::Make(v.height, Relation::GreaterThanOrEqual, intrinsic.height,
-                                       Strength{kCompressionResistancePriority}));
-      sizes.push_back(Constraint::Make(v.height, Relation::LessThanOrEqual, intrinsic.height,
-                                       Strength{kHuggingPriority}));
-    }
-    Replace(participant.intrinsic, {3, intrinsic.width, intrinsic.height}, std::move(sizes));
+    Replace(participant.intrinsic, {3, intrinsic.width, intrinsic.height}, [&] {
+      std::vector<Constraint> sizes;
+      if (intrinsic.width != NSViewNoIntrinsicMetric) {
+        sizes.push_back(Constraint::Make(v.width, Relation::GreaterThanOrEqual, intrinsic.width,
+                                         Strength{kCompressionResistancePriority}));
+        sizes.push_back(Constraint::Make(v.width, Relation::LessThanOrEqual, intrinsic.width,
+                                         Strength{kHuggingPriority}));
+      }
+      if (intrinsic.height != NSViewNoIntrinsicMetric) {
+        sizes.push_back(Constraint::Make(v.height, Relation::GreaterThanOrEqual, intrinsic.height,
+                                         Strength{kCompressionResistancePriority}));
+        sizes.push_back(Constraint::Make(v.height, Relation::LessThanOrEqual, intrinsic.height,
+                                         Strength{kHuggingPriority}));
+      }
+      return sizes;
+    });
   }
 }
 
@@ -370,8 +380,7 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
   if (first != participants.end() && (entry.secondItem == nil || second != participants.end())) {
     lhs = AttributeExpression(first->second.variables, entry.firstAttribute, &attributesKnown);
     if (attributesKnown && entry.secondItem != nil) {
-      rhs = AttributeExpression(second->second.variables, entry.secondAttribute,
-                                &attributesKnown) *
+      rhs = AttributeExpression(second->second.variables, entry.secondAttribute, &attributesKnown) *
                 entry.multiplier +
             Expression(entry.constant);
     }
@@ -380,9 +389,8 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
     NSLog(@"Ignoring constraint %@: its items are not views of this window", constraint);
     return false;
   }
-  Constraint solverConstraint =
-      Constraint::Make(lhs, static_cast<Relation>(entry.relation), rhs,
-                       talvo::layout::FromPriority(entry.priority));
+  Constraint solverConstraint = Constraint::Make(lhs, static_cast<Relation>(entry.relation), rhs,
+                                                 talvo::layout::FromPriority(entry.priority));
   talvo::layout::Status status = solver.addConstraint(solverConstraint);
   if (status == talvo::layout::Status::Ok) {
     entry.solverConstraint = solverConstraint;
@@ -513,9 +521,7 @@ std::unordered_map<NSView *, NSRect> TVLayoutEngine::Solve(NSView *root) {
   return frames;
 }
 
-void TVDestroyLayoutEngine(TVLayoutEngine *engine) {
-  delete engine;
-}
+void TVDestroyLayoutEngine(TVLayoutEngine *engine) { delete engine; }
 
 namespace {
 
@@ -549,9 +555,7 @@ void TVMarkNeedsLayoutPass(NSView *view) {
   [window setViewsNeedDisplay:YES];
 }
 
-void TVForgetLayoutRoot(NSView *view) {
-  detachedRoots->erase(view);
-}
+void TVForgetLayoutRoot(NSView *view) { detachedRoots->erase(view); }
 
 void TVRunLayoutPasses(NSView *view) {
   NSView *root = LayoutRoot(view);
@@ -803,8 +807,8 @@ static void TVViewRemoveFromSuperviewQuietly(NSView *view, SEL selector) {
   originalOrderWindow = (void (*)(id, SEL, NSWindowOrderingMode, NSInteger))TVReplaceInstanceMethod(
       window, @selector(orderWindow:relativeTo:), (IMP)TVWindowOrder);
   Class view = [NSView class];
-  originalSetFrame = (void (*)(id, SEL, NSRect))TVReplaceInstanceMethod(
-      view, @selector(setFrame:), (IMP)TVViewSetFrame);
+  originalSetFrame = (void (*)(id, SEL, NSRect))TVReplaceInstanceMethod(view, @selector(setFrame:),
+                                                                        (IMP)TVViewSetFrame);
   originalSetFrameSize = (void (*)(id, SEL, NSSize))TVReplaceInstanceMethod(
       view, @selector(setFrameSize:), (IMP)TVViewSetFrameSize);
   originalSetFrameOrigin = (void (*)(id, SEL, NSPoint))TVReplaceInstanceMethod(
