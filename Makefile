@@ -69,6 +69,7 @@ bench: deps
 	$(XVFB) build-release/bench/SplitViewBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
 	$(XVFB) build-release/bench/ImageBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
 	$(XVFB) bench/compare-trim.py build-release/bench/ImageBench
+	/usr/bin/python3 bench/compare-kiwi.py build-release/bench/LayoutSolverBench
 
 install: build
 	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
