@@ -44,6 +44,15 @@
 
 namespace {
 
+// Installs on `holder` the constraints of a visual format.
+void AddFormat(NSView *holder, NSString *format, NSDictionary *views,
+               NSLayoutFormatOptions options = 0) {
+  [holder addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:format
+                                                                 options:options
+                                                                 metrics:nil
+                                                                   views:views]];
+}
+
 class AutoLayout : public PooledTest {
  protected:
   void SetUp() override {
@@ -58,13 +67,7 @@ class AutoLayout : public PooledTest {
     [parent addSubview:view];
     return view;
   }
-  void Add(NSString *format, NSDictionary *metrics = nil) {
-    [content_.get() addConstraints:[NSLayoutConstraint
-                                       constraintsWithVisualFormat:format
-                                                           options:0
-                                                           metrics:metrics
-                                                             views:@{@"a" : a_, @"b" : b_}]];
-  }
+  void Add(NSString *format) { AddFormat(content_, format, @{@"a" : a_, @"b" : b_}); }
   Owned<NSView> content_;
   NSView *a_ = nil;
   NSView *b_ = nil;
@@ -100,11 +103,13 @@ TEST_F(AutoLayout, VisualFormatItemsAndAttributesMatchAppKit) {
   EXPECT_EQ([[leading objectAtIndex:0] secondItem], content_.get());
 
   NSView *c = Child(content_);
-  NSArray *chain = [NSLayoutConstraint
-      constraintsWithVisualFormat:@"H:[a]-0-[b(w)]-0-[c]"
-                          options:0
-                          metrics:@{@"w" : @40}
-                            views:@{@"a" : a_, @"b" : b_, @"c" : c}];
+  NSArray *chain =
+      [NSLayoutConstraint constraintsWithVisualFormat:@"H:[a]-0-[b(w)]-0-[c]"
+                                              options:0
+                                              metrics:@{
+                                                @"w" : @40
+                                              }
+                                                views:@{@"a" : a_, @"b" : b_, @"c" : c}];
   EXPECT_EQ([chain count], 3u);
 
   NSArray *predicate = [NSLayoutConstraint constraintsWithVisualFormat:@"H:[a]-(>=20@750)-[b]"
@@ -149,11 +154,7 @@ TEST_F(AutoLayout, VerticalSpacingPutsTheSecondViewBelowInFlippedViewsToo) {
   Owned<NSView> flipped([[TVFlippedView alloc] initWithFrame:NSMakeRect(0, 0, 200, 200)]);
   NSView *top = Child(flipped);
   NSView *below = Child(flipped);
-  [flipped.get() addConstraints:[NSLayoutConstraint
-                                    constraintsWithVisualFormat:@"V:|-5-[top(30)]-8-[below(40)]"
-                                                        options:0
-                                                        metrics:nil
-                                                          views:@{@"top" : top, @"below" : below}]];
+  AddFormat(flipped.get(), @"V:|-5-[top(30)]-8-[below(40)]", @{@"top" : top, @"below" : below});
   [flipped.get() layoutSubtreeIfNeeded];
   EXPECT_NEAR(NSMinY([top frame]), 5, 1e-6);
   EXPECT_NEAR(NSMinY([below frame]), 43, 1e-6);
@@ -198,11 +199,8 @@ TEST_F(AutoLayout, UnsatisfiableRequiredConstraintsAreBrokenNotFatal) {
 TEST_F(AutoLayout, ViewsThatTranslateTheirMaskKeepTheirFrames) {
   NSView *fixed = [[[NSView alloc] initWithFrame:NSMakeRect(30, 40, 50, 60)] autorelease];
   [content_.get() addSubview:fixed];
-  [content_.get() addConstraints:[NSLayoutConstraint
-                                     constraintsWithVisualFormat:@"H:[fixed]-5-[a(10)]"
-                                                         options:NSLayoutFormatAlignAllTop
-                                                         metrics:nil
-                                                           views:@{@"fixed" : fixed, @"a" : a_}]];
+  AddFormat(content_.get(), @"H:[fixed]-5-[a(10)]", @{@"fixed" : fixed, @"a" : a_},
+            NSLayoutFormatAlignAllTop);
   Add(@"V:[a(10)]");
   [content_.get() layoutSubtreeIfNeeded];
   ExpectFrame(fixed, 30, 40, 50, 60);
@@ -211,16 +209,8 @@ TEST_F(AutoLayout, ViewsThatTranslateTheirMaskKeepTheirFrames) {
 
 TEST_F(AutoLayout, IntrinsicSizeHoldsUnlessStrongerConstraintsSayOtherwise) {
   NSView *label = Child(content_, [TVIntrinsicView class]);
-  [content_.get() addConstraints:[NSLayoutConstraint
-                                     constraintsWithVisualFormat:@"H:|[label]"
-                                                         options:0
-                                                         metrics:nil
-                                                           views:@{@"label" : label}]];
-  [content_.get() addConstraints:[NSLayoutConstraint
-                                     constraintsWithVisualFormat:@"V:|[label]"
-                                                         options:0
-                                                         metrics:nil
-                                                           views:@{@"label" : label}]];
+  AddFormat(content_.get(), @"H:|[label]", @{@"label" : label});
+  AddFormat(content_.get(), @"V:|[label]", @{@"label" : label});
   [content_.get() layoutSubtreeIfNeeded];
   EXPECT_NEAR(NSWidth([label frame]), 64, 1e-6);
   EXPECT_NEAR(NSHeight([label frame]), 24, 1e-6);
@@ -229,11 +219,7 @@ TEST_F(AutoLayout, IntrinsicSizeHoldsUnlessStrongerConstraintsSayOtherwise) {
 TEST_F(AutoLayout, AViewLeavingItsSuperviewTakesItsConstraints) {
   NSView *inner = Child(a_);
   Add(@"H:|[a]-[b]|");
-  [content_.get() addConstraints:[NSLayoutConstraint
-                                     constraintsWithVisualFormat:@"H:[inner]-[b]"
-                                                         options:0
-                                                         metrics:nil
-                                                           views:@{@"inner" : inner, @"b" : b_}]];
+  AddFormat(content_.get(), @"H:[inner]-[b]", @{@"inner" : inner, @"b" : b_});
   NSUInteger before = [[content_.get() constraints] count];
   EXPECT_EQ(before, 4u);
   [a_ removeFromSuperview];
@@ -288,14 +274,8 @@ TEST_F(AutoLayoutInWindow, WindowsLayOutBeforeTheyDisplayAndAfterResizing) {
   NSView *panel = [[[NSView alloc] initWithFrame:NSZeroRect] autorelease];
   [panel setTranslatesAutoresizingMaskIntoConstraints:NO];
   [content addSubview:panel];
-  [content addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"H:|-10-[panel]-10-|"
-                                                                  options:0
-                                                                  metrics:nil
-                                                                    views:@{@"panel" : panel}]];
-  [content addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"V:|-10-[panel]-10-|"
-                                                                  options:0
-                                                                  metrics:nil
-                                                                    views:@{@"panel" : panel}]];
+  AddFormat(content, @"H:|-10-[panel]-10-|", @{@"panel" : panel});
+  AddFormat(content, @"V:|-10-[panel]-10-|", @{@"panel" : panel});
   [window_.get() orderFront:nil];
   ExpectFrame(panel, 10, 10, 280, 180);
 
@@ -354,11 +334,8 @@ TEST_F(AutoLayout, LaterPassesSeeRemovedReaddedAndMovedViews) {
 TEST_F(AutoLayout, TranslatingViewsMovedByCodeMoveTheirDependents) {
   NSView *anchor = [[[NSView alloc] initWithFrame:NSMakeRect(20, 100, 40, 40)] autorelease];
   [content_.get() addSubview:anchor];
-  [content_.get() addConstraints:[NSLayoutConstraint
-                                     constraintsWithVisualFormat:@"H:[anchor]-10-[a(5)]"
-                                                         options:NSLayoutFormatAlignAllTop
-                                                         metrics:nil
-                                                           views:@{@"anchor" : anchor, @"a" : a_}]];
+  AddFormat(content_.get(), @"H:[anchor]-10-[a(5)]", @{@"anchor" : anchor, @"a" : a_},
+            NSLayoutFormatAlignAllTop);
   Add(@"V:[a(5)]");
   [content_.get() layoutSubtreeIfNeeded];
   EXPECT_NEAR(NSMinX([a_ frame]), 70, 1e-6);
@@ -378,14 +355,8 @@ TEST_F(AutoLayoutInWindow, TreesBuiltOutsideTheWindowAreLaidOutWhenTheyJoinIt) {
   [inner setTranslatesAutoresizingMaskIntoConstraints:NO];
   NSView *container = [[[NSView alloc] initWithFrame:NSMakeRect(10, 10, 100, 100)] autorelease];
   [container addSubview:inner];
-  [container addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"H:|-5-[inner]-5-|"
-                                                                    options:0
-                                                                    metrics:nil
-                                                                      views:@{@"inner" : inner}]];
-  [container addConstraints:[NSLayoutConstraint constraintsWithVisualFormat:@"V:|-5-[inner]-5-|"
-                                                                    options:0
-                                                                    metrics:nil
-                                                                      views:@{@"inner" : inner}]];
+  AddFormat(container, @"H:|-5-[inner]-5-|", @{@"inner" : inner});
+  AddFormat(container, @"V:|-5-[inner]-5-|", @{@"inner" : inner});
   [page.get() addSubview:container];
   [window_.get() setContentView:page];
   [window_.get() orderFront:nil];

@@ -49,9 +49,9 @@
 
 namespace {
 
-// An RGBA bitmap rep of the given pixel size with its own zeroed memory.
-NSBitmapImageRep *NewRGBARep(NSInteger width, NSInteger height) {
-  return [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+// Initialises `rep` as 8-bit RGBA of the given pixel size with its own memory.
+NSBitmapImageRep *InitRGBARep(NSBitmapImageRep *rep, NSInteger width, NSInteger height) {
+  return [rep initWithBitmapDataPlanes:NULL
                                                  pixelsWide:width
                                                  pixelsHigh:height
                                               bitsPerSample:8
@@ -68,7 +68,7 @@ NSBitmapImageRep *NewRGBARep(NSInteger width, NSInteger height) {
 // context whose user space spans `size` points; +1, NULL on failure.
 CGImageRef NewImageByDrawing(NSInteger width, NSInteger height, NSSize size, void (^draw)(void)) {
   if (width <= 0 || height <= 0) return nullptr;
-  NSBitmapImageRep *rep = NewRGBARep(width, height);
+  NSBitmapImageRep *rep = InitRGBARep([NSBitmapImageRep alloc], width, height);
   if (!rep) return nullptr;
   memset([rep bitmapData], 0, size_t(width * height * 4));
   [rep setSize:size];
@@ -101,17 +101,7 @@ NSInteger PixelsFor(CGFloat points) { return NSInteger(std::ceil(points - 1e-9))
     return nil;
   }
   NSInteger width = NSInteger(CGImageGetWidth(image)), height = NSInteger(CGImageGetHeight(image));
-  self = [self initWithBitmapDataPlanes:NULL
-                             pixelsWide:width
-                             pixelsHigh:height
-                          bitsPerSample:8
-                        samplesPerPixel:4
-                               hasAlpha:YES
-                               isPlanar:NO
-                         colorSpaceName:NSDeviceRGBColorSpace
-                           bitmapFormat:NSBitmapFormat(0)
-                            bytesPerRow:width * 4
-                           bitsPerPixel:32];
+  self = InitRGBARep(self, width, height);
   if (!self) return nil;
   memset([self bitmapData], 0, size_t(width * height * 4));
   CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();

@@ -37,6 +37,18 @@ size_t PixelFormat::minimumLength() const {
 
 namespace {
 
+// A new image surface ready for its pixels to be written directly; null when
+// cairo cannot make it.
+cairo_surface_t* newWritableSurface(cairo_format_t format, int w, int h) {
+    cairo_surface_t* s = cairo_image_surface_create(format, w, h);
+    if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(s);
+        return nullptr;
+    }
+    cairo_surface_flush(s);
+    return s;
+}
+
 // Where the alpha (or skipped) slot sits and where colour component i is.
 size_t alphaSlot(const PixelFormat& f) {
     switch (f.alphaInfo()) {
@@ -213,12 +225,8 @@ cairo_surface_t* Image::cairoSurface() const {
     std::lock_guard<std::mutex> lock(cacheLock_);
     if (argb_) return argb_;
     int w = static_cast<int>(width()), h = static_cast<int>(height());
-    cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
-    if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(s);
-        return nullptr;
-    }
-    cairo_surface_flush(s);
+    cairo_surface_t* s = newWritableSurface(CAIRO_FORMAT_ARGB32, w, h);
+    if (!s) return nullptr;
     uint8_t* out = cairo_image_surface_get_data(s);
     int stride = cairo_image_surface_get_stride(s);
     const PixelFormat& f = format_;
@@ -258,12 +266,8 @@ cairo_surface_t* Image::maskSurface() const {
     std::lock_guard<std::mutex> lock(cacheLock_);
     if (mask_) return mask_;
     int w = static_cast<int>(width()), h = static_cast<int>(height());
-    cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_A8, w, h);
-    if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(s);
-        return nullptr;
-    }
-    cairo_surface_flush(s);
+    cairo_surface_t* s = newWritableSurface(CAIRO_FORMAT_A8, w, h);
+    if (!s) return nullptr;
     uint8_t* out = cairo_image_surface_get_data(s);
     int stride = cairo_image_surface_get_stride(s);
     const PixelFormat& f = format_;
