@@ -99,13 +99,11 @@ NSString *const VXSplitViewDidDragDividerNotification = @"VXSplitViewDidDragDivi
     [super mouseDown:event];
     return;
   }
-  // A set left stale by an earlier change may not match the dividers: build
-  // a fresh one from the frames the views have now.
-  if (_viewStackConstraints == nil) {
-    [self _updateViewStackConstraints];
-  }
-  if ([_positionConstraints count] != [_dividerViews count]) {
-    [self setPositionConstraints:nil];
+  // The drag moves the installed positions: a slide still running ends
+  // now, and a set left stale by an earlier change is renewed first.
+  [self _settleRunningSlide];
+  if (![self _constraintSetsMatchViews]) {
+    [self _rebuildConstraintsWithIntents:[self _positionIntents]];
   }
   [self _updatePositionConstraints];
   if ((NSUInteger)index >= [_positionConstraints count]) {

@@ -115,23 +115,31 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
   }
   NSMutableArray *constraints = [NSMutableArray arrayWithCapacity:count - 1];
   for (NSUInteger k = 1; k < count; k++) {
-    NSView *view = [views objectAtIndex:k];
-    NSLayoutConstraint *position = [[NSLayoutConstraint
-        constraintsWithVisualFormat:@"H:|-0-[viewAboveDivider]"
-                            options:0
-                            metrics:nil
-                              views:[NSDictionary dictionaryWithObject:view
-                                                                forKey:@"viewAboveDivider"]]
-        lastObject];
-    if (position == nil) {
-      continue;
-    }
     NSRect previous = [[views objectAtIndex:k - 1] frame];
-    [position setPriority:VXSplitViewPositionPriority];
-    [position setConstant:NSMinX(previous) + NSWidth(previous) + [self dividerThickness]];
-    [constraints addObject:position];
+    NSLayoutConstraint *position =
+        [self _positionConstraintForView:[views objectAtIndex:k]
+                                constant:NSMinX(previous) + NSWidth(previous) +
+                                         [self dividerThickness]];
+    if (position != nil) {
+      [constraints addObject:position];
+    }
   }
   return constraints;
+}
+
+// "H:|-0-[viewAboveDivider]" at the position priority: the view's leading
+// edge at `constant` from the split view's.
+- (NSLayoutConstraint *)_positionConstraintForView:(NSView *)view constant:(double)constant {
+  NSLayoutConstraint *position = [[NSLayoutConstraint
+      constraintsWithVisualFormat:@"H:|-0-[viewAboveDivider]"
+                          options:0
+                          metrics:nil
+                            views:[NSDictionary dictionaryWithObject:view
+                                                              forKey:@"viewAboveDivider"]]
+      lastObject];
+  [position setPriority:VXSplitViewPositionPriority];
+  [position setConstant:constant];
+  return position;
 }
 
 #pragma mark - Layout

@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#import "platform/AppKit/autolayout/TVLayoutDiagnostics.h"
 #import "platform/AppKit/autolayout/TVLayoutState.h"
 #include "platform/AppKit/layout/Solver.hpp"
 #import "platform/objc/TVRuntime.h"
@@ -31,6 +32,8 @@ const Strength kStayStrength{0.5f};
 const float kHuggingPriority = 250;
 const float kCompressionResistancePriority = 750;
 const int kMaximumUpdateRounds = 10;
+
+NSUInteger brokenConstraintCount = 0;
 
 // True while the pass sets frames, so that its own frame changes do not ask
 // for another pass.
@@ -397,6 +400,7 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
     return true;
   }
   if (status == talvo::layout::Status::Unsatisfiable) {
+    brokenConstraintCount++;
     NSLog(@"Unable to simultaneously satisfy constraints. Will attempt to recover by breaking "
           @"constraint %@",
           constraint);
@@ -523,6 +527,8 @@ std::unordered_map<NSView *, NSRect> TVLayoutEngine::Solve(NSView *root) {
 
 void TVDestroyLayoutEngine(TVLayoutEngine *engine) { delete engine; }
 
+NSUInteger TVLayoutBrokenConstraintCount(void) { return brokenConstraintCount; }
+
 namespace {
 
 // Top-down: each view's layout places its own subviews.
@@ -556,6 +562,11 @@ void TVMarkNeedsLayoutPass(NSView *view) {
 }
 
 void TVForgetLayoutRoot(NSView *view) { detachedRoots->erase(view); }
+
+NSSize TVFittingSize(NSView *view) {
+  // Replaced by a solve of the view's own subtree.
+  return view != nil ? [view frame].size : NSZeroSize;
+}
 
 void TVRunLayoutPasses(NSView *view) {
   NSView *root = LayoutRoot(view);
