@@ -25,6 +25,7 @@
 
 - (void)dealloc {
   TVDestroyLayoutEngine(_engine);
+  [_layoutGuides release];
   [_constraints release];
   [super dealloc];
 }

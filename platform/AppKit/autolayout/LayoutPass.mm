@@ -557,6 +557,11 @@ void TVMarkNeedsLayoutPass(NSView *view) {
 
 void TVForgetLayoutRoot(NSView *view) { detachedRoots->erase(view); }
 
+NSSize TVFittingSize(NSView *view) {
+  // Replaced by a solve of the view's own subtree.
+  return view != nil ? [view frame].size : NSZeroSize;
+}
+
 void TVRunLayoutPasses(NSView *view) {
   NSView *root = LayoutRoot(view);
   if (root == nil) {

@@ -27,6 +27,9 @@ typedef struct TVLayoutEngine TVLayoutEngine;
   BOOL _needsLayout;
   BOOL _hasUpdatedConstraints;  // the first update pass has run
   struct TVLayoutEngine *_engine;  // the live solver, on layout roots only
+  NSMutableArray *_layoutGuides;   // NSLayoutGuides owned by the view; nil until one is added
+  BOOL _hasLayoutDirection;        // NO: the application's direction applies
+  NSUserInterfaceLayoutDirection _layoutDirection;
 }
 @end
 
@@ -47,6 +50,13 @@ __attribute__((visibility("hidden"))) void TVDestroyLayoutEngine(struct TVLayout
 
 /** Forgets a view that goes away as a root waiting for its window. */
 __attribute__((visibility("hidden"))) void TVForgetLayoutRoot(NSView *view);
+
+/** The smallest size `view`'s own constraints allow it (AppKit's fittingSize):
+ * its subtree solved on its own with the view's size pulled toward zero. */
+__attribute__((visibility("hidden"))) NSSize TVFittingSize(NSView *view);
+
+/** The view controller whose view is `view`, or nil (not retained). */
+__attribute__((visibility("hidden"))) NSViewController *TVViewControllerForView(NSView *view);
 
 /** Runs both passes now for the view tree that holds `view`. */
 __attribute__((visibility("hidden"))) void TVRunLayoutPasses(NSView *view);
