@@ -14,3 +14,8 @@
 #import <AppKit/NSWindow+TalvoAnimation.h>
 #import <AppKit/NSLayoutConstraint+TalvoAnimation.h>
 #import <AppKit/NSScreen+TalvoPlatform.h>
+#import <AppKit/NSLayoutAnchor+TalvoPlatform.h>
+#import <AppKit/NSLayoutGuide+TalvoPlatform.h>
+#import <AppKit/NSView+TalvoLayoutGeometry.h>
+#import <AppKit/NSViewController+TalvoPlatform.h>
+#import <AppKit/NSWindow+TalvoLayout.h>

@@ -1,0 +1,172 @@
+// NSWindow's Auto Layout API on GNUstep: layoutIfNeeded and
+// updateConstraintsIfNeeded, and a window sized by its content's
+// constraints: when the content's required constraints need more room than
+// the window gives, the window grows to the content's fitting size as it
+// lays out, and a resize below that size is limited to it.
+
+#import <AppKit/AppKit.h>
+
+#include <cmath>
+
+#import "platform/AppKit/autolayout/TVLayoutState.h"
+#import "platform/objc/TVRuntime.h"
+
+#if __has_feature(objc_arc)
+#error "This file is manual reference counting only."
+#endif
+
+namespace {
+
+// True while this file resizes a window itself.
+bool fitting = false;
+
+// Whether anything in the tree is placed by constraints: only then does the
+// content's fitting size say anything about the window.
+bool UsesConstraints(NSView *view) {
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  if (state != nil && ([state->_constraints count] > 0 || !state->_translatesAutoresizingMask)) {
+    return true;
+  }
+  for (NSView *subview in [view subviews]) {
+    if (UsesConstraints(subview)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// The smallest content size the content's constraints accept, or zero when
+// they do not concern the window.
+NSSize MinimumContentSize(NSWindow *window) {
+  NSView *content = [window contentView];
+  if (content == nil || !UsesConstraints(content)) {
+    return NSZeroSize;
+  }
+  NSSize size = TVFittingSize(content);
+  if (!std::isfinite(size.width) || !std::isfinite(size.height)) {
+    return NSZeroSize;
+  }
+  return NSMakeSize(MAX(0, size.width), MAX(0, size.height));
+}
+
+// Grows the content to its minimum size, keeping the window's top-left
+// corner where it is; answers whether the window changed.
+bool GrowToFit(NSWindow *window) {
+  if (fitting) {
+    return false;
+  }
+  NSSize minimum = MinimumContentSize(window);
+  NSRect frame = [window frame];
+  NSRect content = [window contentRectForFrameRect:frame];
+  CGFloat width = MAX(NSWidth(content), std::ceil(minimum.width));
+  CGFloat height = MAX(NSHeight(content), std::ceil(minimum.height));
+  if (width == NSWidth(content) && height == NSHeight(content)) {
+    return false;
+  }
+  content.origin.y -= height - NSHeight(content);
+  content.size = NSMakeSize(width, height);
+  fitting = true;
+  [window setFrame:[window frameRectForContentRect:content] display:NO];
+  fitting = false;
+  return true;
+}
+
+bool PassPending(NSWindow *window) {
+  _TVViewLayoutState *state = TVLayoutState([window contentView], NO);
+  return state != nil && state->_needsLayout;
+}
+
+}  // namespace
+
+#pragma mark - Public
+
+@implementation NSWindow (TalvoPlatformLayout)
+
+- (void)layoutIfNeeded {
+  NSView *content = [self contentView];
+  if (content == nil) {
+    return;
+  }
+  TVRunLayoutPasses(content);
+  if (GrowToFit(self)) {
+    TVRunLayoutPasses(content);
+  }
+}
+
+- (void)updateConstraintsIfNeeded {
+  [[self contentView] updateConstraintsForSubtreeIfNeeded];
+}
+
+@end
+
+#pragma mark - Hooks
+
+static void (*originalSetFrameDisplay)(id, SEL, NSRect, BOOL) = NULL;
+static void (*originalDisplayIfNeeded)(id, SEL) = NULL;
+static void (*originalDisplay)(id, SEL) = NULL;
+static void (*originalOrderWindow)(id, SEL, NSWindowOrderingMode, NSInteger) = NULL;
+
+// A resize below what the content's constraints need is limited to it; the
+// top edge stays where the caller put it.
+static void TVWindowSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL display) {
+  if (!fitting) {
+    NSSize minimum = MinimumContentSize(window);
+    if (minimum.width > 0 || minimum.height > 0) {
+      NSRect content = [window contentRectForFrameRect:frame];
+      CGFloat width = MAX(NSWidth(content), std::ceil(minimum.width));
+      CGFloat height = MAX(NSHeight(content), std::ceil(minimum.height));
+      if (width != NSWidth(content) || height != NSHeight(content)) {
+        content.origin.y -= height - NSHeight(content);
+        content.size = NSMakeSize(width, height);
+        frame = [window frameRectForContentRect:content];
+      }
+    }
+  }
+  originalSetFrameDisplay(window, selector, frame, display);
+}
+
+// When a layout pass is due, the window first grows to what its content
+// needs, so that the pass lays out the grown window. These hooks wrap the
+// layout pass's own (installed earlier), which run the pass itself.
+static void TVFitIfPassPending(NSWindow *window) {
+  if (PassPending(window)) {
+    GrowToFit(window);
+  }
+}
+
+static void TVWindowDisplayIfNeeded(NSWindow *window, SEL selector) {
+  TVFitIfPassPending(window);
+  originalDisplayIfNeeded(window, selector);
+}
+
+static void TVWindowDisplay(NSWindow *window, SEL selector) {
+  TVFitIfPassPending(window);
+  originalDisplay(window, selector);
+}
+
+static void TVWindowOrder(NSWindow *window, SEL selector, NSWindowOrderingMode place,
+                          NSInteger other) {
+  if (place != NSWindowOut) {
+    TVFitIfPassPending(window);
+  }
+  originalOrderWindow(window, selector, place, other);
+}
+
+@interface _TVWindowLayoutHooks : NSObject
+@end
+
+@implementation _TVWindowLayoutHooks
+
++ (void)load {
+  Class window = [NSWindow class];
+  originalSetFrameDisplay = (void (*)(id, SEL, NSRect, BOOL))TVReplaceInstanceMethod(
+      window, @selector(setFrame:display:), (IMP)TVWindowSetFrameDisplay);
+  originalDisplayIfNeeded = (void (*)(id, SEL))TVReplaceInstanceMethod(
+      window, @selector(displayIfNeeded), (IMP)TVWindowDisplayIfNeeded);
+  originalDisplay =
+      (void (*)(id, SEL))TVReplaceInstanceMethod(window, @selector(display), (IMP)TVWindowDisplay);
+  originalOrderWindow = (void (*)(id, SEL, NSWindowOrderingMode, NSInteger))TVReplaceInstanceMethod(
+      window, @selector(orderWindow:relativeTo:), (IMP)TVWindowOrder);
+}
+
+@end
