@@ -1,46 +1,271 @@
-// The split view at work: a layout pass from scratch, one divider-drag step,
-// a drag of real mouse events, and one frame of a slide.
+// The split view at work, at 10 to 1000 panels: the first layout pass
+// (outside a window and in one), one divider-drag step, a pass with nothing
+// changed, releasing the split view, a drag of real mouse events and one
+// frame of a slide. Beside each, the bare solver on the same constraint
+// system (every row and stay the pass gives it), so that the pass's own cost
+// reads as a ratio.
 #import <Talvo/Talvo.h>
 
 #include <benchmark/benchmark.h>
 
+#include <vector>
+
 #import "platform/QuartzCore/TVAnimationClock.h"
+#include "platform/AppKit/layout/Solver.hpp"
+
+namespace layout = talvo::layout;
 
 namespace {
 
 const double kPanelWidth = 40;
+const double kHeight = 300;
+
+void PanelCounts(benchmark::internal::Benchmark *bench) {
+  for (int n : {10, 100, 300, 1000}) {
+    bench->Arg(n);
+  }
+}
 
 VXSplitView *NewSplitView(int panels) {
   double width = panels * (kPanelWidth + 1);
-  VXSplitView *split = [[VXSplitView alloc] initWithFrame:NSMakeRect(0, 0, width, 300)];
+  VXSplitView *split = [[VXSplitView alloc] initWithFrame:NSMakeRect(0, 0, width, kHeight)];
   for (int i = 0; i < panels; i++) {
     NSView *panel =
-        [[NSView alloc] initWithFrame:NSMakeRect(i * (kPanelWidth + 1), 0, kPanelWidth, 300)];
+        [[NSView alloc] initWithFrame:NSMakeRect(i * (kPanelWidth + 1), 0, kPanelWidth, kHeight)];
     [split addSubview:panel];
     [panel release];
   }
   return split;
 }
 
-// Every constraint built and solved, every frame set.
-void BM_SplitViewLayoutFromScratch(benchmark::State &state) {
+NSWindow *NewWindow(NSRect content) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:content
+                                                 styleMask:NSBorderlessWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:YES];
+  [window setReleasedWhenClosed:NO];
+  return window;
+}
+
+// --- The bare solver on the split view's system ----------------------------
+
+// What the layout pass gives the solver for a split view of n panels: four
+// variables per view (the split view, the panels, the dividers), the
+// split view's size, each view's non-negative size and weak stays at its
+// present frame, the chain, the heights and the positions at 490.
+struct RawSplitView {
+  struct Box {
+    layout::Variable left, top, width, height;
+    layout::Expression right() const {
+      return layout::Expression(left) + layout::Expression(width);
+    }
+    layout::Expression bottom() const {
+      return layout::Expression(top) + layout::Expression(height);
+    }
+  };
+  layout::Solver solver;
+  Box root;
+  std::vector<Box> views;  // panel, divider, panel, ...
+  std::vector<layout::Constraint> positions;
+
+  explicit RawSplitView(int panels, int mode = 0) {
+    using layout::Constraint;
+    using layout::Expression;
+    using layout::Relation;
+    layout::Strength required = layout::Strength::Required();
+    double width = panels * (kPanelWidth + 1);
+    solver.addConstraint(Constraint::Make(root.left, Relation::Equal, 0.0, required));
+    solver.addConstraint(Constraint::Make(root.top, Relation::Equal, 0.0, required));
+    solver.addConstraint(Constraint::Make(root.width, Relation::Equal, width, required));
+    solver.addConstraint(Constraint::Make(root.height, Relation::Equal, kHeight, required));
+    int count = 2 * panels - 1;
+    views.resize(count);
+    for (int i = 0; i < count; i++) {
+      Box &box = views[i];
+      bool divider = i % 2 == 1;
+      double x = (i / 2) * (kPanelWidth + 1) + (divider ? kPanelWidth : 0);
+      box.left.setValue(x);
+      box.width.setValue(divider ? 0 : kPanelWidth);
+      box.height.setValue(divider ? 0 : kHeight);
+      solver.addConstraint(Constraint::Make(box.width, Relation::GreaterThanOrEqual, 0.0, required));
+      solver.addConstraint(
+          Constraint::Make(box.height, Relation::GreaterThanOrEqual, 0.0, required));
+      if (mode == 0) for (const layout::Variable &v : {box.left, box.top, box.width, box.height}) {
+        solver.addEditVariable(v, layout::Strength{0.5f});
+        solver.suggestValue(v, v.value());
+      }
+    }
+    for (int i = 0; i < count; i++) {
+      Box &box = views[i];
+      Expression leading = i == 0 ? Expression(root.left) : views[i - 1].right();
+      solver.addConstraint(Constraint::Make(box.left, Relation::Equal, leading, required));
+      solver.addConstraint(Constraint::Make(box.top, Relation::Equal, root.top, required));
+      solver.addConstraint(Constraint::Make(root.bottom(), Relation::Equal, box.bottom(), required));
+      if (i % 2 == 1) {
+        solver.addConstraint(Constraint::Make(box.width, Relation::Equal, 1.0, required));
+      }
+    }
+    solver.addConstraint(
+        Constraint::Make(root.right(), Relation::Equal, views.back().right(), required));
+    for (int i = 2; i < count; i += 2) {
+      Constraint position = Constraint::Make(views[i].left, Relation::Equal,
+                                             Expression(root.left) + (i / 2) * (kPanelWidth + 1),
+                                             layout::Strength{490});
+      solver.addConstraint(position);
+      positions.push_back(position);
+    }
+    if (mode == 2) for (Box &box : views) for (const layout::Variable &v : {box.left, box.top, box.width, box.height}) {
+        solver.addEditVariable(v, layout::Strength{0.5f});
+    }
+    solver.updateVariables();
+  }
+};
+
+// The same system written on edges: left, top, right and bottom per view.
+struct RawEdgesSplitView {
+  struct Box {
+    layout::Variable left, top, right, bottom;
+  };
+  layout::Solver solver;
+  Box root;
+  std::vector<Box> views;
+  std::vector<layout::Constraint> positions;
+
+  explicit RawEdgesSplitView(int panels, int mode) {
+    bool stays = mode & 1;
+    bool interleave = mode & 2;
+    using layout::Constraint;
+    using layout::Expression;
+    using layout::Relation;
+    layout::Strength required = layout::Strength::Required();
+    double width = panels * (kPanelWidth + 1);
+    solver.addConstraint(Constraint::Make(root.left, Relation::Equal, 0.0, required));
+    solver.addConstraint(Constraint::Make(root.top, Relation::Equal, 0.0, required));
+    solver.addConstraint(Constraint::Make(root.right, Relation::Equal, width, required));
+    solver.addConstraint(Constraint::Make(root.bottom, Relation::Equal, kHeight, required));
+    int count = 2 * panels - 1;
+    views.resize(count);
+    for (int i = 0; i < count; i++) {
+      Box &box = views[i];
+      bool divider = i % 2 == 1;
+      double x = (i / 2) * (kPanelWidth + 1) + (divider ? kPanelWidth : 0);
+      box.left.setValue(x);
+      box.right.setValue(x + (divider ? 1 : kPanelWidth));
+      box.bottom.setValue(kHeight);
+      solver.addConstraint(Constraint::Make(box.right, Relation::GreaterThanOrEqual, box.left, required));
+      solver.addConstraint(Constraint::Make(box.bottom, Relation::GreaterThanOrEqual, box.top, required));
+      if (stays) for (const layout::Variable &v : {box.left, box.top, box.right, box.bottom}) {
+        solver.addEditVariable(v, layout::Strength{0.5f});
+      }
+    }
+    for (int i = 0; i < count; i++) {
+      Box &box = views[i];
+      Expression leading = i == 0 ? Expression(root.left) : Expression(views[i - 1].right);
+      solver.addConstraint(Constraint::Make(box.left, Relation::Equal, leading, required));
+      solver.addConstraint(Constraint::Make(box.top, Relation::Equal, root.top, required));
+      solver.addConstraint(Constraint::Make(root.bottom, Relation::Equal, box.bottom, required));
+      if (i % 2 == 1) {
+        solver.addConstraint(Constraint::Make(Expression(box.right) - Expression(box.left), Relation::Equal, 1.0, required));
+      }
+      if (interleave && i % 2 == 0 && i > 0) {
+        Constraint position = Constraint::Make(views[i].left, Relation::Equal,
+                                               Expression(root.left) + (i / 2) * (kPanelWidth + 1),
+                                               layout::Strength{490});
+        solver.addConstraint(position);
+        positions.push_back(position);
+      }
+    }
+    solver.addConstraint(Constraint::Make(root.right, Relation::Equal, views.back().right, required));
+    for (int i = 2; !interleave && i < count; i += 2) {
+      Constraint position = Constraint::Make(views[i].left, Relation::Equal,
+                                             Expression(root.left) + (i / 2) * (kPanelWidth + 1),
+                                             layout::Strength{490});
+      solver.addConstraint(position);
+      positions.push_back(position);
+    }
+    solver.updateVariables();
+  }
+};
+
+void BM_RawEdges(benchmark::State &state) {
   int panels = static_cast<int>(state.range(0));
   for (auto _ : state) {
+    RawEdgesSplitView raw(panels, state.range(1));
+    benchmark::DoNotOptimize(raw.views.back().right.value());
+  }
+}
+BENCHMARK(BM_RawEdges)->ArgsProduct({{10, 100, 300, 1000}, {1, 2, 3}})->Unit(benchmark::kMillisecond);
+
+void BM_RawSolverFirstSolve(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    RawSplitView raw(panels, state.range(1));
+    benchmark::DoNotOptimize(raw.views.back().width.value());
+  }
+}
+BENCHMARK(BM_RawSolverFirstSolve)->ArgsProduct({{10, 100, 300}, {0, 1, 2}})->Unit(benchmark::kMillisecond);
+
+void BM_RawSolverDragStep(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  RawSplitView raw(panels);
+  int step = 0;
+  for (auto _ : state) {
+    // The solver keeps lhs - rhs: the position's constant enters negated.
+    raw.solver.updateConstant(raw.positions[0], -(kPanelWidth + 1 + (step++ % 20)));
+    raw.solver.updateVariables();
+    benchmark::DoNotOptimize(raw.views[0].width.value());
+  }
+}
+BENCHMARK(BM_RawSolverDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
+
+// --- Through AppKit ----------------------------------------------------------
+
+// Every constraint built and solved, every frame set; the tree is made
+// outside the timing.
+void BM_SplitViewFirstPassDetached(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
     NSAutoreleasePool *pool = [NSAutoreleasePool new];
     VXSplitView *split = NewSplitView(panels);
+    state.ResumeTiming();
     [split layoutSubtreeIfNeeded];
+    state.PauseTiming();
     benchmark::DoNotOptimize([[split subviews] count]);
     [split release];
     [pool drain];
+    state.ResumeTiming();
   }
 }
-BENCHMARK(BM_SplitViewLayoutFromScratch)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SplitViewFirstPassDetached)->Apply(PanelCounts)->Unit(benchmark::kMillisecond);
+
+void BM_SplitViewFirstPassInWindow(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    VXSplitView *split = NewSplitView(panels);
+    NSWindow *window = NewWindow([split frame]);
+    [window setContentView:split];
+    [split release];
+    state.ResumeTiming();
+    [split layoutSubtreeIfNeeded];
+    state.PauseTiming();
+    [window close];
+    [window release];
+    [pool drain];
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_SplitViewFirstPassInWindow)->Apply(PanelCounts)->Unit(benchmark::kMillisecond);
 
 // One position constant changed and the layout re-solved, frames applied.
 void BM_SplitViewDragStep(benchmark::State &state) {
   int panels = static_cast<int>(state.range(0));
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   VXSplitView *split = NewSplitView(panels);
+  NSWindow *window = NewWindow([split frame]);
+  [window setContentView:split];
   [split layoutSubtreeIfNeeded];
   NSLayoutConstraint *position = [[split positionConstraints] objectAtIndex:0];
   double base = [position constant];
@@ -49,21 +274,52 @@ void BM_SplitViewDragStep(benchmark::State &state) {
     [position setConstant:base + (step++ % 20)];
     [split layoutSubtreeIfNeeded];
   }
+  [window close];
+  [window release];
   [split release];
   [pool drain];
 }
-BENCHMARK(BM_SplitViewDragStep)->Arg(10)->Arg(100)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SplitViewDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
+
+// A pass asked for when nothing changed.
+void BM_SplitViewIdlePass(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  VXSplitView *split = NewSplitView(panels);
+  NSWindow *window = NewWindow([split frame]);
+  [window setContentView:split];
+  [split layoutSubtreeIfNeeded];
+  for (auto _ : state) {
+    [split layoutSubtreeIfNeeded];
+  }
+  [window close];
+  [window release];
+  [split release];
+  [pool drain];
+}
+BENCHMARK(BM_SplitViewIdlePass)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
+
+// Releasing a laid-out split view: every panel, divider and constraint.
+void BM_SplitViewRelease(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    VXSplitView *split = NewSplitView(panels);
+    [split layoutSubtreeIfNeeded];
+    [pool drain];
+    state.ResumeTiming();
+    [split release];
+  }
+}
+BENCHMARK(BM_SplitViewRelease)->Apply(PanelCounts)->Unit(benchmark::kMillisecond);
 
 // 1000 mouseDragged: events through the application, each followed by the
 // layout pass, in a key window; the time is per event.
 void BM_DividerDragEvents(benchmark::State &state) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   VXSplitView *split = NewSplitView(10);
-  NSWindow *window = [[NSWindow alloc] initWithContentRect:[split frame]
-                                                 styleMask:NSBorderlessWindowMask
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:NO];
-  [window setReleasedWhenClosed:NO];
+  NSWindow *window = NewWindow([split frame]);
   [window setContentView:split];
   [split release];
   [window makeKeyAndOrderFront:nil];
@@ -107,7 +363,7 @@ void BM_SlideFrame(benchmark::State &state) {
   VXSplitView *split = NewSplitView(panels);
   [split layoutSubtreeIfNeeded];
   [split setAnimated:YES];
-  NSView *panel = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 120, 300)] autorelease];
+  NSView *panel = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 120, kHeight)] autorelease];
   int frame = 0;
   for (auto _ : state) {
     if (frame % 12 == 0) {
@@ -133,7 +389,7 @@ void BM_SlideFrame(benchmark::State &state) {
   [split release];
   [pool drain];
 }
-BENCHMARK(BM_SlideFrame)->Arg(10)->Arg(100)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SlideFrame)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
