@@ -3,6 +3,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <cmath>
+
 #import "platform/AppKit/autolayout/TVLayoutState.h"
 #import "platform/objc/TVRuntime.h"
 
@@ -19,12 +21,15 @@
     _translatesAutoresizingMask = YES;
     _needsUpdateConstraints = YES;
     _needsLayout = YES;
+    _needsUpdatePass = YES;
+    _layoutStructureChanged = YES;
   }
   return self;
 }
 
 - (void)dealloc {
   TVDestroyLayoutEngine(_engine);
+  [_referencingConstraints release];
   [_layoutGuides release];
   [_constraints release];
   [super dealloc];
@@ -36,7 +41,7 @@ _TVViewLayoutState *TVLayoutState(NSView *view, BOOL create) {
   if (view == nil) {
     return nil;
   }
-  Ivar slot = class_getInstanceVariable([NSView class], "_coreAnimationData");
+  static Ivar slot = class_getInstanceVariable([NSView class], "_coreAnimationData");
   id state = object_getIvar(view, slot);
   if (state == nil && create) {
     state = [_TVViewLayoutState new];
@@ -67,15 +72,29 @@ static NSString *TVItemName(id item) {
   return [NSString stringWithFormat:@"%@:%p", NSStringFromClass([item class]), (void *)item];
 }
 
+// The view that stands for an item: the view itself, or a layout guide's
+// owning view.
+static id TVItemView(id item) {
+  if ([item isKindOfClass:[NSLayoutGuide class]]) {
+    return [(NSLayoutGuide *)item owningView];
+  }
+  return item;
+}
+
 // The view a constraint is installed on when activated: its only item, or
-// the closest common ancestor of its two items.
+// the closest common ancestor of its two items (a guide counting as its
+// owning view).
 static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
-  id first = [constraint firstItem];
-  id second = [constraint secondItem];
+  if ([constraint isKindOfClass:[_TVLayoutConstraint class]] &&
+      ((_TVLayoutConstraint *)constraint)->_itemsGone) {
+    return nil;  // an item was deallocated
+  }
+  id first = TVItemView([constraint firstItem]);
+  id second = TVItemView([constraint secondItem]);
   if (![first isKindOfClass:[NSView class]]) {
     return nil;
   }
-  if (second == nil) {
+  if ([constraint secondItem] == nil) {
     return first;
   }
   if (![second isKindOfClass:[NSView class]]) {
@@ -92,6 +111,8 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
 @implementation _TVLayoutConstraint
 
 - (void)dealloc {
+  TVForgetConstraint(self);
+  TVUnregisterConstraintItems(self);
   [_identifier release];
   [super dealloc];
 }
@@ -111,7 +132,7 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
 }
 
 - (void)setActive:(BOOL)active {
-  if (active == [self isActive]) {
+  if (active == [self isActive] || (active && _itemsGone)) {
     return;
   }
   if (!active) {
@@ -127,6 +148,9 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
 }
 
 - (void)setPriority:(NSLayoutPriority)priority {
+  if (std::isnan(priority)) {
+    return;  // not a priority: never required by accident
+  }
   NSLayoutPriority clamped = MAX(1.0f, MIN(priority, NSLayoutPriorityRequired));
   BOOL installed = _holder != nil;
   // macOS refuses to move an installed constraint across the required line.
@@ -182,9 +206,7 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
     return;
   }
   _constant = constant;
-  if ([self isKindOfClass:[_TVLayoutConstraint class]]) {
-    TVMarkNeedsLayoutPass(((_TVLayoutConstraint *)self)->_holder);
-  }
+  TVNoteConstantChange(self);
 }
 
 - (NSString *)identifier {
@@ -216,10 +238,11 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
     return;
   }
   _TVLayoutConstraint *storage = (_TVLayoutConstraint *)constraint;
-  if (storage->_holder == self) {
+  if (storage->_holder == self || storage->_itemsGone) {
     return;
   }
   [storage->_holder removeConstraint:constraint];
+  TVRegisterConstraintItems(constraint);  // decoded constraints join here
   [TVLayoutState(self, YES)->_constraints addObject:constraint];
   storage->_holder = self;
   TVMarkNeedsLayoutPass(self);
@@ -256,27 +279,121 @@ static NSView *TVInstallationView(NSLayoutConstraint *constraint) {
 
 static void (*originalViewDealloc)(id, SEL) = NULL;
 
-// A view going away releases its layout state; its constraints no longer
-// have a holder.
-static void TVViewDealloc(NSView *view, SEL selector) {
-  // Subviews leave first, as NSView's dealloc would make them, while the
-  // layout state still stands: their removal may still ask for a pass.
-  NSArray *subviews = [[view subviews] copy];
-  for (NSView *subview in subviews) {
-    [subview removeFromSuperviewWithoutNeedingDisplay];
+// Each view a constraint names as an item knows the constraint; the
+// constraint remembers which views those are, so that it can leave them
+// without messaging items that may be gone.
+void TVRegisterConstraintItems(NSLayoutConstraint *constraint) {
+  if (![constraint isKindOfClass:[_TVLayoutConstraint class]]) {
+    return;
   }
-  [subviews release];
+  _TVLayoutConstraint *storage = (_TVLayoutConstraint *)constraint;
+  if (storage->_itemsGone) {
+    return;
+  }
+  id items[2] = {[constraint firstItem], [constraint secondItem]};
+  for (int i = 0; i < 2; i++) {
+    NSView *view = items[i];
+    if (storage->_registeredViews[i] != nil || ![view isKindOfClass:[NSView class]] ||
+        (i == 1 && view == items[0])) {
+      continue;
+    }
+    _TVViewLayoutState *state = TVLayoutState(view, YES);
+    if (state->_referencingConstraints == nil) {
+      state->_referencingConstraints = [[NSHashTable alloc]
+          initWithOptions:NSPointerFunctionsOpaqueMemory | NSPointerFunctionsOpaquePersonality
+                 capacity:0];
+    }
+    [state->_referencingConstraints addObject:constraint];
+    storage->_registeredViews[i] = view;
+  }
+}
+
+void TVUnregisterConstraintItems(NSLayoutConstraint *constraint) {
+  if (![constraint isKindOfClass:[_TVLayoutConstraint class]]) {
+    return;
+  }
+  _TVLayoutConstraint *storage = (_TVLayoutConstraint *)constraint;
+  for (int i = 0; i < 2; i++) {
+    NSView *view = storage->_registeredViews[i];
+    if (view != nil) {
+      [TVLayoutState(view, NO)->_referencingConstraints removeObject:constraint];
+      storage->_registeredViews[i] = nil;
+    }
+  }
+}
+
+// A view going away: constraints no longer have it as a holder, and every
+// constraint that names it, wherever it is installed, leaves its holder and
+// forgets the item (constraints do not retain their items; one whose item
+// is gone stays inert). The view's own constraints go before its subviews
+// leave, so that a container's teardown costs what it holds, once.
+static void TVViewDealloc(id view, SEL selector) {
   TVForgetLayoutRoot(view);
   _TVViewLayoutState *state = TVLayoutState(view, NO);
   if (state != nil) {
+    TVDestroyLayoutEngine(state->_engine);
+    state->_engine = nullptr;
     for (_TVLayoutConstraint *constraint in state->_constraints) {
       constraint->_holder = nil;
     }
+    [state->_constraints removeAllObjects];
+  }
+  // Subviews leave first, as NSView's dealloc would make them, while the
+  // layout state still stands: their removal may still ask for a pass.
+  NSArray *subviews = [[view subviews] copy];
+  for (NSView *subview in [subviews reverseObjectEnumerator]) {
+    [subview removeFromSuperviewWithoutNeedingDisplay];
+  }
+  [subviews release];
+  TVForgetLayoutRoot(view);  // the subviews' leaving asked it for a pass
+  state = TVLayoutState(view, NO);
+  if (state != nil) {
+    static Ivar firstSlot = class_getInstanceVariable([NSLayoutConstraint class], "_firstItem");
+    static Ivar secondSlot = class_getInstanceVariable([NSLayoutConstraint class], "_secondItem");
+    for (_TVLayoutConstraint *constraint in [state->_referencingConstraints allObjects]) {
+      [constraint->_holder removeConstraint:constraint];
+      constraint->_itemsGone = YES;
+      for (int i = 0; i < 2; i++) {
+        if (constraint->_registeredViews[i] == view) {
+          constraint->_registeredViews[i] = nil;
+        }
+      }
+      TVForgetConstraint(constraint);
+      if (object_getIvar(constraint, firstSlot) == view) {
+        object_setIvar(constraint, firstSlot, nil);
+      }
+      if (object_getIvar(constraint, secondSlot) == view) {
+        object_setIvar(constraint, secondSlot, nil);
+      }
+    }
+    [state->_referencingConstraints removeAllObjects];
     object_setIvar(view, class_getInstanceVariable([NSView class], "_coreAnimationData"), nil);
     [state release];
   }
   originalViewDealloc(view, selector);
 }
+
+// Every constraint is known to the views it names from the moment it is made
+// (one decoded from an archive, from when it is installed).
+// (GNUstep's initialiser takes the priority as a double, whatever the
+// NSLayoutPriority typedef says.)
+typedef id (*TVConstraintInit)(id, SEL, id, NSLayoutAttribute, NSLayoutRelation, id,
+                               NSLayoutAttribute, CGFloat, CGFloat, double);
+static TVConstraintInit originalConstraintInit = NULL;
+
+static id TVConstraintInitWithItems(id constraint, SEL selector, id first,
+                                    NSLayoutAttribute firstAttribute, NSLayoutRelation relation,
+                                    id second, NSLayoutAttribute secondAttribute,
+                                    CGFloat multiplier, CGFloat constant, double priority) {
+  if (originalConstraintInit == NULL) {
+    return constraint;
+  }
+  constraint = originalConstraintInit(constraint, selector, first, firstAttribute, relation, second,
+                                      secondAttribute, multiplier, constant, priority);
+  TVRegisterConstraintItems(constraint);
+  return constraint;
+}
+
 
 // GNUstep's class methods are stubs; these make them set each constraint's
 // active flag.
@@ -304,6 +421,12 @@ static void TVDeactivateConstraints(id cls, SEL selector, NSArray *constraints) 
 + (void)load {
   originalViewDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
       [NSView class], @selector(dealloc), (IMP)TVViewDealloc);
+  Class constraint = [NSLayoutConstraint class];
+  originalConstraintInit = (TVConstraintInit)TVReplaceInstanceMethod(
+      constraint,
+      @selector(initWithItem:attribute:relatedBy:toItem:attribute:multiplier:constant:priority:),
+      (IMP)TVConstraintInitWithItems);
+
   Class constraintMetaclass = object_getClass([NSLayoutConstraint class]);
   TVReplaceInstanceMethod(constraintMetaclass, @selector(activateConstraints:),
                           (IMP)TVActivateConstraints);

@@ -1,9 +1,20 @@
 // AppKit's update-constraints and layout passes on GNUstep: the NSView API,
 // the solve that turns installed constraints into frames, and the hooks that
 // run both passes before a window displays.
+//
+// Each layout root (a window's content view, or the top of a tree outside
+// any window) keeps a live solver between passes and tells it only what
+// changed: a constraint whose constant changed is edited in place; a frame
+// set by code replaces that view's generated constraints; only when views,
+// constraints or priorities come or go is the whole tree compared with what
+// the solver holds. After the solve only the views whose variables moved get
+// new frames, and only their superviews are sent layout. A pass with nothing
+// to do costs a flag test.
 
 #import <AppKit/AppKit.h>
 
+#include <algorithm>
+#include <cmath>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -26,33 +37,45 @@ using talvo::layout::Variable;
 
 namespace {
 
-// Below every priority a constraint can have: an unconstrained dimension of
-// a view placed by constraints keeps its current frame.
+// Below every priority a constraint can have: an unconstrained edge of a
+// view placed by constraints keeps its current place.
 const Strength kStayStrength{0.5f};
 const float kHuggingPriority = 250;
 const float kCompressionResistancePriority = 750;
 const int kMaximumUpdateRounds = 10;
 
 NSUInteger brokenConstraintCount = 0;
+unsigned long long layoutGeneration = 0;
 
 // True while the pass sets frames, so that its own frame changes do not ask
 // for another pass.
 bool applyingFrames = false;
 
-// The engine's variables for one view, in the root's space with y growing
-// downward from the root's top edge.
-struct ViewVariables {
-  Variable left, top, width, height;
-  Expression right() const { return Expression(left) + Expression(width); }
-  Expression bottom() const { return Expression(top) + Expression(height); }
+// The engine's variables for one item (a view or a layout guide): its four
+// edges in the root's space, y growing downward from the root's top edge.
+// Edges rather than origin and size keep the solver's rows short: a chain of
+// views edge to edge never sums widths.
+struct ItemVariables {
+  Variable left, top, right, bottom;
+  Expression width() const { return Expression(right) - Expression(left); }
+  Expression height() const { return Expression(bottom) - Expression(top); }
 };
 
 // Roots of view trees outside any window that asked for a pass. When such a
 // tree joins a window, the window runs the pass it missed.
 std::unordered_set<NSView *> *detachedRoots = new std::unordered_set<NSView *>();
 
-// The frames computed by the pass that is running, by view.
-std::unordered_map<NSView *, NSRect> *solvedFrames = nullptr;
+// Constraints whose constant changed since the solver last saw them.
+std::unordered_set<NSLayoutConstraint *> *pendingConstants =
+    new std::unordered_set<NSLayoutConstraint *>();
+
+// The frames the running pass applies, by the view whose -layout sets them.
+using FramesByParent = std::unordered_map<NSView *, std::vector<std::pair<NSView *, NSRect>>>;
+FramesByParent *solvedFrames = nullptr;
+
+// Views that asked for layout themselves (setNeedsLayout:), not retained;
+// a view leaves this set when it deallocates.
+std::unordered_set<NSView *> *viewsAskingForLayout = new std::unordered_set<NSView *>();
 
 NSView *LayoutRoot(NSView *view) {
   NSWindow *window = [view window];
@@ -67,33 +90,12 @@ NSView *LayoutRoot(NSView *view) {
   return root;
 }
 
-Expression AttributeExpression(const ViewVariables &v, NSLayoutAttribute attribute, bool *known) {
-  *known = true;
-  switch (attribute) {
-    case NSLayoutAttributeLeft:
-    case NSLayoutAttributeLeading:
-      return Expression(v.left);
-    case NSLayoutAttributeRight:
-    case NSLayoutAttributeTrailing:
-      return v.right();
-    case NSLayoutAttributeTop:
-      return Expression(v.top);
-    case NSLayoutAttributeBottom:
-    case NSLayoutAttributeLastBaseline:
-    case NSLayoutAttributeFirstBaseline:
-      return v.bottom();
-    case NSLayoutAttributeWidth:
-      return Expression(v.width);
-    case NSLayoutAttributeHeight:
-      return Expression(v.height);
-    case NSLayoutAttributeCenterX:
-      return Expression(v.left) + Expression(v.width) * 0.5;
-    case NSLayoutAttributeCenterY:
-      return Expression(v.top) + Expression(v.height) * 0.5;
-    default:
-      *known = false;
-      return Expression(0.0);
+int Depth(NSView *view) {
+  int depth = 0;
+  for (NSView *up = [view superview]; up != nil; up = [up superview]) {
+    depth++;
   }
+  return depth;
 }
 
 void CollectSubtree(NSView *view, std::vector<NSView *> &order) {
@@ -103,8 +105,18 @@ void CollectSubtree(NSView *view, std::vector<NSView *> &order) {
   }
 }
 
+BOOL IsRightToLeft(id item) {
+  if (![item isKindOfClass:[NSView class]]) {
+    id owner = [item respondsToSelector:@selector(owningView)] ? [item owningView] : nil;
+    return owner != nil && IsRightToLeft(owner);
+  }
+  return [(NSView *)item userInterfaceLayoutDirection] ==
+         NSUserInterfaceLayoutDirectionRightToLeft;
+}
+
 // Leaves first, as AppKit does: a container's updateConstraints sees its
-// subviews' constraints already made.
+// subviews' constraints already made. A view controller's
+// updateViewConstraints follows its view's.
 void UpdateConstraintsPostOrder(NSView *view, bool *changed) {
   for (NSView *subview in [[[view subviews] copy] autorelease]) {
     UpdateConstraintsPostOrder(subview, changed);
@@ -117,6 +129,10 @@ void UpdateConstraintsPostOrder(NSView *view, bool *changed) {
     state->_hasUpdatedConstraints = YES;
     state->_needsUpdateConstraints = NO;
     [view updateConstraints];
+    NSViewController *controller = TVViewControllerForView(view);
+    if (controller != nil) {
+      [controller updateViewConstraints];
+    }
     *changed = true;
   }
 }
@@ -131,14 +147,36 @@ void RunUpdatePass(NSView *root) {
   }
 }
 
+// Sends layout to one view, with its controller's callbacks around it.
+void LayOut(NSView *view) {
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  if (state != nil) {
+    state->_needsLayout = NO;
+  }
+  viewsAskingForLayout->erase(view);
+  NSViewController *controller = TVViewControllerForView(view);
+  [controller viewWillLayout];
+  [view layout];
+  [controller viewDidLayout];
+}
+
+// Top-down: each view's layout places its own subviews.
+void LayOutSubtree(NSView *view) {
+  LayOut(view);
+  for (NSView *subview in [[[view subviews] copy] autorelease]) {
+    LayOutSubtree(subview);
+  }
+}
+
+NSRect *GuideFrameSlot(NSLayoutGuide *guide) {
+  static ptrdiff_t offset =
+      ivar_getOffset(class_getInstanceVariable([NSLayoutGuide class], "_frame"));
+  return (NSRect *)((char *)guide + offset);
+}
+
 }  // namespace
 
-// The live solver of one layout root, kept between passes so that a pass
-// only tells the solver what changed: a constraint added, removed or given
-// a new constant or priority is replaced on its own, frames of views that
-// translate their autoresizing mask likewise, and the weak stays that keep
-// unconstrained dimensions in place are edit variables that follow each
-// solution.
+// The live solver of one layout root, kept between passes.
 struct TVLayoutEngine {
   // What a constraint was added with; a change of any of it replaces it.
   struct InstalledConstraint {
@@ -155,28 +193,56 @@ struct TVLayoutEngine {
     // has new ones.
     uint64_t firstVariables;
     uint64_t secondVariables;
+    // The items' geometry (direction, insets, baselines) it was written with.
+    uint64_t firstGeometry;
+    uint64_t secondGeometry;
   };
-  // The constraints generated for one view from its frame or size.
+  // The constraints generated for one item from its frame or size.
   struct GeneratedConstraints {
     std::vector<double> key;  // the numbers they were made from
     std::vector<Constraint> constraints;
   };
   struct Participant {
-    ViewVariables variables;
+    ItemVariables variables;
+    id item = nil;      // a view or a layout guide
+    NSView *parent = nil;  // superview, or a guide's owning view
     GeneratedConstraints frame;
     GeneratedConstraints intrinsic;
     bool stays = false;
+    bool isGuide = false;
+    double suggested[4] = {0, 0, 0, 0};  // the stays' last suggestions
+    // Read when the tree was last compared: where the alignment rect and
+    // the baselines sit inside the frame.
+    NSEdgeInsets alignment = {0, 0, 0, 0};
+    double firstBaseline = 0;
+    double lastBaseline = 0;
+    bool rightToLeft = false;
+    uint64_t geometry = 0;  // counts changes of the four above
   };
 
   Solver solver;
   NSView *rootView = nil;  // not retained: the root owns the engine
-  // Views other than the root are retained while they take part.
-  std::unordered_map<NSView *, Participant> participants;
+  bool fitting = false;    // sizes the root as small as its constraints allow
+  // Items other than the root are retained while they take part.
+  std::unordered_map<id, Participant> participants;
+  std::unordered_map<uint64_t, id> itemOfVariable;
   std::unordered_map<NSLayoutConstraint *, InstalledConstraint> installed;  // retained
+  // Items whose frame was set by code since the last pass.
+  std::unordered_set<id> movedItems;
+  // Refused constraints, tried again when one that may conflict goes.
+  std::unordered_set<NSLayoutConstraint *> refused;
+  // The frames the last solve computed, by parent, for layout to apply.
+  FramesByParent framesToApply;
 
   ~TVLayoutEngine() {
     for (auto &entry : participants) {
       if (entry.first != rootView) {
+        if (!fitting && !entry.second.isGuide) {
+          _TVViewLayoutState *state = TVLayoutState(entry.first, NO);
+          if (state != nil) {
+            state->_isParticipant = NO;
+          }
+        }
         [entry.first release];
       }
     }
@@ -217,16 +283,35 @@ struct TVLayoutEngine {
     if (participant.stays == on) {
       return;
     }
-    const ViewVariables &v = participant.variables;
-    for (const Variable &variable : {v.left, v.top, v.width, v.height}) {
+    const ItemVariables &v = participant.variables;
+    const Variable *edges[4] = {&v.left, &v.top, &v.right, &v.bottom};
+    for (int i = 0; i < 4; i++) {
       if (on) {
-        solver.addEditVariable(variable, kStayStrength);
-        solver.suggestValue(variable, variable.value());
+        // An edit starts out holding the variable's present value.
+        solver.addEditVariable(*edges[i], kStayStrength);
+        participant.suggested[i] = edges[i]->value();
       } else {
-        solver.removeEditVariable(variable);
+        solver.removeEditVariable(*edges[i]);
       }
     }
     participant.stays = on;
+  }
+
+  // The stays follow the solution, so that the next pass starts from it;
+  // only edges that moved cost a suggestion.
+  void FollowWithStays(Participant &participant) {
+    if (!participant.stays) {
+      return;
+    }
+    const ItemVariables &v = participant.variables;
+    const Variable *edges[4] = {&v.left, &v.top, &v.right, &v.bottom};
+    for (int i = 0; i < 4; i++) {
+      double value = edges[i]->value();
+      if (value != participant.suggested[i]) {
+        solver.suggestValue(*edges[i], value);
+        participant.suggested[i] = value;
+      }
+    }
   }
 
   uint64_t VariablesId(id item) const {
@@ -234,12 +319,81 @@ struct TVLayoutEngine {
     return found == participants.end() ? 0 : found->second.variables.left.id();
   }
 
-  std::unordered_map<NSView *, NSRect> Solve(NSView *root);
-  void SyncParticipants(NSView *root, const std::vector<NSView *> &views,
-                        const std::unordered_set<NSView *> &wanted);
-  void SyncGeneratedConstraints(NSView *root, const std::vector<NSView *> &views);
-  void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
+  uint64_t GeometryOf(id item) const {
+    auto found = participants.find(item);
+    return found == participants.end() ? 0 : found->second.geometry;
+  }
+
+  Expression AttributeExpression(const Participant &p, NSLayoutAttribute attribute,
+                                 bool *known) const {
+    *known = true;
+    const ItemVariables &v = p.variables;
+    // Constraints hold the alignment rect, the frame inset by the view's
+    // alignment insets.
+    Expression left = Expression(v.left) + p.alignment.left;
+    Expression right = Expression(v.right) - p.alignment.right;
+    Expression top = Expression(v.top) + p.alignment.top;
+    Expression bottom = Expression(v.bottom) - p.alignment.bottom;
+    switch (attribute) {
+      case NSLayoutAttributeLeft:
+        return left;
+      case NSLayoutAttributeRight:
+        return right;
+      case NSLayoutAttributeLeading:
+        return p.rightToLeft ? right : left;
+      case NSLayoutAttributeTrailing:
+        return p.rightToLeft ? left : right;
+      case NSLayoutAttributeTop:
+        return top;
+      case NSLayoutAttributeBottom:
+        return bottom;
+      case NSLayoutAttributeFirstBaseline:
+        return Expression(v.top) + p.firstBaseline;
+      case NSLayoutAttributeLastBaseline:
+        return Expression(v.bottom) - p.lastBaseline;
+      case NSLayoutAttributeWidth:
+        return right - left;
+      case NSLayoutAttributeHeight:
+        return bottom - top;
+      case NSLayoutAttributeCenterX:
+        return (left + right) * 0.5;
+      case NSLayoutAttributeCenterY:
+        return (top + bottom) * 0.5;
+      default:
+        *known = false;
+        return Expression(0.0);
+    }
+  }
+
+  NSRect FrameOf(const Participant &participant) {
+    const ItemVariables &v = participant.variables;
+    const ItemVariables &s = participants[participant.parent].variables;
+    NSRect bounds = [participant.parent bounds];
+    double x = v.left.value() - s.left.value() + NSMinX(bounds);
+    double width = v.right.value() - v.left.value();
+    double height = v.bottom.value() - v.top.value();
+    double fromTop = v.top.value() - s.top.value();
+    double y = [participant.parent isFlipped]
+                   ? fromTop + NSMinY(bounds)
+                   : (s.bottom.value() - s.top.value()) - fromTop - height + NSMinY(bounds);
+    // A solution a rounding error below zero is zero.
+    return NSMakeRect(x, y, width < 0 && width > -1e-9 ? 0 : width,
+                      height < 0 && height > -1e-9 ? 0 : height);
+  }
+
+  void AddParticipant(id item, NSView *parent, bool isGuide, NSView *root);
+  void EdgesFromFrame(const Participant &participant, double edges[4]);
+  void SuggestFrame(Participant &participant);
+  void DropParticipant(std::unordered_map<id, Participant>::iterator it);
+  void ReadGeometry(Participant &participant);
+  void SyncFrameConstraints(id item, Participant &participant);
+  void SyncAll(NSView *root);
   bool AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry);
+  void RemoveInstalled(std::unordered_map<NSLayoutConstraint *, InstalledConstraint>::iterator it);
+  void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
+  void ApplyPendingConstants();
+  void CollectFrames(bool all);
+  void Solve(NSView *root, bool structureChanged);
 };
 
 namespace {
@@ -258,108 +412,219 @@ bool SameAsInstalled(NSLayoutConstraint *constraint,
   return SameAsInstalledButConstant(constraint, entry) && entry.constant == [constraint constant];
 }
 
+bool IsInert(NSLayoutConstraint *constraint) {
+  return [constraint isKindOfClass:[_TVLayoutConstraint class]] &&
+         ((_TVLayoutConstraint *)constraint)->_itemsGone;
+}
+
 }  // namespace
 
-void TVLayoutEngine::SyncParticipants(NSView *root, const std::vector<NSView *> &views,
-                                      const std::unordered_set<NSView *> &wanted) {
-  for (auto it = participants.begin(); it != participants.end();) {
-    if (wanted.count(it->first) == 0) {
-      Clear(it->second);
-      if (it->first != rootView) {
-        [it->first release];
-      }
-      it = participants.erase(it);
-    } else {
-      ++it;
-    }
+// Starts an item's variables where it is now, composed from its parent's
+// variables (a tree outside any window included: its views' own offsets
+// count), so that its stays begin at its present frame.
+void TVLayoutEngine::AddParticipant(id item, NSView *parent, bool isGuide, NSView *root) {
+  Participant &participant = participants[item == rootView ? item : [item retain]];
+  participant.item = item;
+  participant.parent = parent;
+  participant.isGuide = isGuide;
+  ItemVariables &v = participant.variables;
+  for (const Variable *edge : {&v.left, &v.top, &v.right, &v.bottom}) {
+    itemOfVariable[edge->id()] = item;
   }
-  // Tree order, so that a superview's variables exist before its subviews'.
-  for (NSView *view : views) {
-    if (wanted.count(view) == 0 || participants.count(view) != 0) {
-      continue;
+  if (!isGuide && !fitting) {
+    TVLayoutState(item, YES)->_isParticipant = YES;
+  }
+  if (item == root) {
+    NSRect bounds = [root bounds];
+    v.left.setValue(0);
+    v.top.setValue(0);
+    v.right.setValue(NSWidth(bounds));
+    v.bottom.setValue(NSHeight(bounds));
+    return;
+  }
+  double edges[4];
+  EdgesFromFrame(participant, edges);
+  v.left.setValue(edges[0]);
+  v.top.setValue(edges[1]);
+  v.right.setValue(edges[2]);
+  v.bottom.setValue(edges[3]);
+}
+
+// An item's frame as edges in the root's space, from its parent's variables.
+void TVLayoutEngine::EdgesFromFrame(const Participant &participant, double edges[4]) {
+  NSView *parent = participant.parent;
+  NSRect frame = participant.isGuide ? *GuideFrameSlot(participant.item)
+                                     : [(NSView *)participant.item frame];
+  const ItemVariables &s = participants[parent].variables;
+  NSRect bounds = [parent bounds];
+  double left = s.left.value() + NSMinX(frame) - NSMinX(bounds);
+  double top = [parent isFlipped] ? s.top.value() + NSMinY(frame) - NSMinY(bounds)
+                                  : s.bottom.value() - (NSMaxY(frame) - NSMinY(bounds));
+  edges[0] = left;
+  edges[1] = top;
+  edges[2] = left + NSWidth(frame);
+  edges[3] = top + NSHeight(frame);
+}
+
+// A view placed by constraints whose frame code set: its stays move there,
+// so that what the constraints leave open stays where the code put it.
+void TVLayoutEngine::SuggestFrame(Participant &participant) {
+  double edges[4];
+  EdgesFromFrame(participant, edges);
+  const ItemVariables &v = participant.variables;
+  const Variable *variables[4] = {&v.left, &v.top, &v.right, &v.bottom};
+  for (int i = 0; i < 4; i++) {
+    if (std::isfinite(edges[i]) && edges[i] != participant.suggested[i]) {
+      solver.suggestValue(*variables[i], edges[i]);
+      participant.suggested[i] = edges[i];
     }
-    Participant &participant = participants[view == rootView ? view : [view retain]];
-    // Start new variables at the view's present place, so that its stays
-    // begin there.
-    NSRect inRoot = view == root ? [root bounds] : [view convertRect:[view bounds] toView:root];
-    double top = [root isFlipped] ? NSMinY(inRoot) : NSHeight([root bounds]) - NSMaxY(inRoot);
-    participant.variables.left.setValue(NSMinX(inRoot));
-    participant.variables.top.setValue(top);
-    participant.variables.width.setValue(NSWidth(inRoot));
-    participant.variables.height.setValue(NSHeight(inRoot));
   }
 }
 
-void TVLayoutEngine::SyncGeneratedConstraints(NSView *root, const std::vector<NSView *> &views) {
-  Strength required = Strength::Required();
-  for (NSView *view : views) {
-    auto found = participants.find(view);
-    if (found == participants.end()) {
-      continue;
+void TVLayoutEngine::DropParticipant(std::unordered_map<id, Participant>::iterator it) {
+  Participant &participant = it->second;
+  Clear(participant);
+  const ItemVariables &v = participant.variables;
+  for (const Variable *edge : {&v.left, &v.top, &v.right, &v.bottom}) {
+    itemOfVariable.erase(edge->id());
+  }
+  id item = it->first;
+  movedItems.erase(item);
+  participants.erase(it);
+  if (item != rootView) {
+    if (!fitting && ![item isKindOfClass:[NSLayoutGuide class]]) {
+      _TVViewLayoutState *state = TVLayoutState(item, NO);
+      if (state != nil) {
+        state->_isParticipant = NO;
+      }
     }
-    Participant &participant = found->second;
-    const ViewVariables &v = participant.variables;
-    if (view == root) {
-      NSRect bounds = [root bounds];
-      Replace(participant.frame, {0, NSWidth(bounds), NSHeight(bounds)}, [&] {
+    [item release];
+  }
+}
+
+void TVLayoutEngine::ReadGeometry(Participant &participant) {
+  bool rightToLeft = IsRightToLeft(participant.item);
+  NSEdgeInsets alignment = {0, 0, 0, 0};
+  double firstBaseline = 0;
+  double lastBaseline = 0;
+  if (!participant.isGuide) {
+    NSView *view = participant.item;
+    alignment = [view alignmentRectInsets];
+    firstBaseline = [view firstBaselineOffsetFromTop];
+    lastBaseline = [view lastBaselineOffsetFromBottom];
+    for (double *number : {&alignment.left, &alignment.right, &alignment.top, &alignment.bottom,
+                           &firstBaseline, &lastBaseline}) {
+      if (!std::isfinite(*number)) {
+        *number = 0;
+      }
+    }
+  }
+  if (rightToLeft != participant.rightToLeft || firstBaseline != participant.firstBaseline ||
+      lastBaseline != participant.lastBaseline || alignment.left != participant.alignment.left ||
+      alignment.right != participant.alignment.right ||
+      alignment.top != participant.alignment.top ||
+      alignment.bottom != participant.alignment.bottom) {
+    participant.rightToLeft = rightToLeft;
+    participant.alignment = alignment;
+    participant.firstBaseline = firstBaseline;
+    participant.lastBaseline = lastBaseline;
+    participant.geometry++;  // constraints naming it are written again
+  }
+}
+
+// The constraints an item's own frame or size gives: the root's bounds; a
+// view that translates its autoresizing mask keeps its frame; a view placed
+// by constraints keeps a non-negative size, its intrinsic size, and weak
+// stays where it is.
+void TVLayoutEngine::SyncFrameConstraints(id item, Participant &participant) {
+  Strength required = Strength::Required();
+  const ItemVariables &v = participant.variables;
+  if (item == rootView) {
+    NSRect bounds = [rootView bounds];
+    if (fitting) {
+      Replace(participant.frame, {-2}, [&] {
         return std::vector<Constraint>{
             Constraint::Make(v.left, Relation::Equal, 0.0, required),
             Constraint::Make(v.top, Relation::Equal, 0.0, required),
-            Constraint::Make(v.width, Relation::Equal, NSWidth(bounds), required),
-            Constraint::Make(v.height, Relation::Equal, NSHeight(bounds), required)};
+            Constraint::Make(v.width(), Relation::GreaterThanOrEqual, 0.0, required),
+            Constraint::Make(v.height(), Relation::GreaterThanOrEqual, 0.0, required),
+            Constraint::Make(v.width(), Relation::Equal, 0.0,
+                             Strength{Strength::kFittingSizeCompression}),
+            Constraint::Make(v.height(), Relation::Equal, 0.0,
+                             Strength{Strength::kFittingSizeCompression})};
       });
-      continue;
+      return;
     }
-    NSView *superview = [view superview];
-    const ViewVariables &s = participants[superview].variables;
-    _TVViewLayoutState *state = TVLayoutState(view, NO);
-    BOOL translates = state == nil || state->_translatesAutoresizingMask;
-    if (translates) {
-      NSRect frame = [view frame];
-      NSRect bounds = [superview bounds];
-      double x = NSMinX(frame) - NSMinX(bounds);
-      BOOL flipped = [superview isFlipped];
-      // Unflipped superviews keep the distance from their bottom edge.
-      double y = flipped ? NSMinY(frame) - NSMinY(bounds) : NSMaxY(frame) - NSMinY(bounds);
-      SetStays(participant, false);
-      Replace(participant.frame,
-              {1, x, y, NSWidth(frame), NSHeight(frame), flipped ? 1.0 : 0.0, (double)s.left.id()},
-              [&] {
-                Expression top =
-                    flipped ? Expression(s.top) + y : Expression(s.top) + Expression(s.height) - y;
-                return std::vector<Constraint>{
-                    Constraint::Make(v.left, Relation::Equal, Expression(s.left) + x, required),
-                    Constraint::Make(v.top, Relation::Equal, top, required),
-                    Constraint::Make(v.width, Relation::Equal, NSWidth(frame), required),
-                    Constraint::Make(v.height, Relation::Equal, NSHeight(frame), required)};
-              });
-      Replace(participant.intrinsic, {-1}, [] { return std::vector<Constraint>(); });
-      continue;
-    }
-    Replace(participant.frame, {2}, [&] {
+    Replace(participant.frame, {0, NSWidth(bounds), NSHeight(bounds)}, [&] {
       return std::vector<Constraint>{
-          Constraint::Make(v.width, Relation::GreaterThanOrEqual, 0.0, required),
-          Constraint::Make(v.height, Relation::GreaterThanOrEqual, 0.0, required)};
+          Constraint::Make(v.left, Relation::Equal, 0.0, required),
+          Constraint::Make(v.top, Relation::Equal, 0.0, required),
+          Constraint::Make(v.right, Relation::Equal, NSWidth(bounds), required),
+          Constraint::Make(v.bottom, Relation::Equal, NSHeight(bounds), required)};
+    });
+    return;
+  }
+  const ItemVariables &s = participants[participant.parent].variables;
+  if (participant.isGuide) {
+    Replace(participant.frame, {4}, [&] {
+      return std::vector<Constraint>{
+          Constraint::Make(v.width(), Relation::GreaterThanOrEqual, 0.0, required),
+          Constraint::Make(v.height(), Relation::GreaterThanOrEqual, 0.0, required)};
     });
     SetStays(participant, true);
-    NSSize intrinsic = [view intrinsicContentSize];
-    Replace(participant.intrinsic, {3, intrinsic.width, intrinsic.height}, [&] {
-      std::vector<Constraint> sizes;
-      if (intrinsic.width != NSViewNoIntrinsicMetric) {
-        sizes.push_back(Constraint::Make(v.width, Relation::GreaterThanOrEqual, intrinsic.width,
-                                         Strength{kCompressionResistancePriority}));
-        sizes.push_back(Constraint::Make(v.width, Relation::LessThanOrEqual, intrinsic.width,
-                                         Strength{kHuggingPriority}));
-      }
-      if (intrinsic.height != NSViewNoIntrinsicMetric) {
-        sizes.push_back(Constraint::Make(v.height, Relation::GreaterThanOrEqual, intrinsic.height,
-                                         Strength{kCompressionResistancePriority}));
-        sizes.push_back(Constraint::Make(v.height, Relation::LessThanOrEqual, intrinsic.height,
-                                         Strength{kHuggingPriority}));
-      }
-      return sizes;
-    });
+    return;
   }
+  NSView *view = item;
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  BOOL translates = state == nil || state->_translatesAutoresizingMask;
+  if (translates) {
+    NSRect frame = [view frame];
+    NSRect bounds = [participant.parent bounds];
+    double x = NSMinX(frame) - NSMinX(bounds);
+    BOOL flipped = [participant.parent isFlipped];
+    // Unflipped superviews keep the distance from their bottom edge.
+    double y = flipped ? NSMinY(frame) - NSMinY(bounds) : NSMaxY(frame) - NSMinY(bounds);
+    SetStays(participant, false);
+    Replace(participant.frame,
+            {1, x, y, NSWidth(frame), NSHeight(frame), flipped ? 1.0 : 0.0,
+             (double)s.left.id()},
+            [&] {
+              Expression top =
+                  flipped ? Expression(s.top) + y : Expression(s.bottom) - y;
+              return std::vector<Constraint>{
+                  Constraint::Make(v.left, Relation::Equal, Expression(s.left) + x, required),
+                  Constraint::Make(v.right, Relation::Equal,
+                                   Expression(s.left) + (x + NSWidth(frame)), required),
+                  Constraint::Make(v.top, Relation::Equal, top, required),
+                  Constraint::Make(v.bottom, Relation::Equal, top + NSHeight(frame), required)};
+            });
+    Replace(participant.intrinsic, {-1}, [] { return std::vector<Constraint>(); });
+    return;
+  }
+  Replace(participant.frame, {2}, [&] {
+    return std::vector<Constraint>{
+        Constraint::Make(v.width(), Relation::GreaterThanOrEqual, 0.0, required),
+        Constraint::Make(v.height(), Relation::GreaterThanOrEqual, 0.0, required)};
+  });
+  SetStays(participant, true);
+  NSSize intrinsic = [view intrinsicContentSize];
+  Replace(participant.intrinsic, {3, intrinsic.width, intrinsic.height}, [&] {
+    std::vector<Constraint> sizes;
+    if (intrinsic.width != NSViewNoIntrinsicMetric && std::isfinite(intrinsic.width)) {
+      sizes.push_back(Constraint::Make(v.width(), Relation::GreaterThanOrEqual, intrinsic.width,
+                                       Strength{kCompressionResistancePriority}));
+      sizes.push_back(Constraint::Make(v.width(), Relation::LessThanOrEqual, intrinsic.width,
+                                       Strength{kHuggingPriority}));
+    }
+    if (intrinsic.height != NSViewNoIntrinsicMetric && std::isfinite(intrinsic.height)) {
+      sizes.push_back(Constraint::Make(v.height(), Relation::GreaterThanOrEqual,
+                                       intrinsic.height,
+                                       Strength{kCompressionResistancePriority}));
+      sizes.push_back(Constraint::Make(v.height(), Relation::LessThanOrEqual, intrinsic.height,
+                                       Strength{kHuggingPriority}));
+    }
+    return sizes;
+  });
 }
 
 bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry) {
@@ -374,6 +639,8 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
   entry.solverConstraint = Constraint();
   entry.firstVariables = VariablesId(entry.firstItem);
   entry.secondVariables = VariablesId(entry.secondItem);
+  entry.firstGeometry = GeometryOf(entry.firstItem);
+  entry.secondGeometry = GeometryOf(entry.secondItem);
 
   auto first = participants.find(entry.firstItem);
   auto second = participants.find(entry.secondItem);
@@ -381,15 +648,17 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
   Expression lhs;
   Expression rhs(entry.constant);
   if (first != participants.end() && (entry.secondItem == nil || second != participants.end())) {
-    lhs = AttributeExpression(first->second.variables, entry.firstAttribute, &attributesKnown);
+    lhs = AttributeExpression(first->second, entry.firstAttribute, &attributesKnown);
     if (attributesKnown && entry.secondItem != nil) {
-      rhs = AttributeExpression(second->second.variables, entry.secondAttribute, &attributesKnown) *
+      rhs = AttributeExpression(second->second, entry.secondAttribute, &attributesKnown) *
                 entry.multiplier +
             Expression(entry.constant);
     }
   }
   if (!attributesKnown) {
-    NSLog(@"Ignoring constraint %@: its items are not views of this window", constraint);
+    if (!fitting) {
+      NSLog(@"Ignoring constraint %@: its items are not views of this window", constraint);
+    }
     return false;
   }
   Constraint solverConstraint = Constraint::Make(lhs, static_cast<Relation>(entry.relation), rhs,
@@ -398,6 +667,10 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
   if (status == talvo::layout::Status::Ok) {
     entry.solverConstraint = solverConstraint;
     return true;
+  }
+  refused.insert(constraint);
+  if (fitting) {
+    return false;
   }
   if (status == talvo::layout::Status::Unsatisfiable) {
     brokenConstraintCount++;
@@ -410,43 +683,43 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
   return false;
 }
 
+void TVLayoutEngine::RemoveInstalled(
+    std::unordered_map<NSLayoutConstraint *, InstalledConstraint>::iterator it) {
+  if (!it->second.solverConstraint.isNull()) {
+    solver.removeConstraint(it->second.solverConstraint);
+  }
+  refused.erase(it->first);
+  [it->first release];
+  installed.erase(it);
+}
+
 void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current) {
   std::unordered_set<NSLayoutConstraint *> wanted(current.begin(), current.end());
   bool removedAny = false;
   for (auto it = installed.begin(); it != installed.end();) {
     InstalledConstraint &entry = it->second;
-    // A new constant alone (a divider dragged, a slide's frame) is an edit of
-    // the live tableau, not a removal and a new row.
-    if (wanted.count(it->first) != 0 && !entry.solverConstraint.isNull() &&
-        entry.firstVariables == VariablesId(entry.firstItem) &&
-        entry.secondVariables == VariablesId(entry.secondItem) &&
-        entry.constant != [it->first constant] && SameAsInstalledButConstant(it->first, entry)) {
-      // The solver keeps lhs - rhs: the constraint's constant enters negated.
-      if (solver.updateConstant(entry.solverConstraint, -[it->first constant]) ==
-          talvo::layout::Status::Ok) {
-        entry.constant = [it->first constant];
-        ++it;
-        continue;
-      }
-    }
-    if (wanted.count(it->first) == 0 || !SameAsInstalled(it->first, it->second) ||
-        it->second.firstVariables != VariablesId(it->second.firstItem) ||
-        it->second.secondVariables != VariablesId(it->second.secondItem)) {
-      if (!it->second.solverConstraint.isNull()) {
-        solver.removeConstraint(it->second.solverConstraint);
-      }
-      [it->first release];
-      it = installed.erase(it);
-      removedAny = true;
-    } else {
+    bool keep = wanted.count(it->first) != 0 && SameAsInstalled(it->first, entry) &&
+                entry.firstVariables == VariablesId(entry.firstItem) &&
+                entry.secondVariables == VariablesId(entry.secondItem) &&
+                entry.firstGeometry == GeometryOf(entry.firstItem) &&
+                entry.secondGeometry == GeometryOf(entry.secondItem);
+    if (keep) {
       ++it;
+      continue;
     }
+    auto next = std::next(it);
+    removedAny = removedAny || !entry.solverConstraint.isNull();
+    RemoveInstalled(it);
+    it = next;
   }
-  // A constraint broken earlier may fit now that another went: try again.
-  if (removedAny) {
-    for (auto &entry : installed) {
-      if (entry.second.solverConstraint.isNull()) {
-        AddInstalled(entry.first, entry.second);
+  // A constraint refused earlier may fit now that another went.
+  if (removedAny && !refused.empty()) {
+    std::vector<NSLayoutConstraint *> retry(refused.begin(), refused.end());
+    for (NSLayoutConstraint *constraint : retry) {
+      auto found = installed.find(constraint);
+      if (found != installed.end() && found->second.solverConstraint.isNull()) {
+        refused.erase(constraint);
+        AddInstalled(constraint, found->second);
       }
     }
   }
@@ -457,36 +730,103 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
   }
 }
 
-// Brings the solver up to date with root's tree and answers the frames of
-// the views the constraints place, relative to their superviews.
-std::unordered_map<NSView *, NSRect> TVLayoutEngine::Solve(NSView *root) {
+// A new constant alone (a divider dragged, a slide's frame) is an edit of the
+// live tableau, not a removal and a new row.
+void TVLayoutEngine::ApplyPendingConstants() {
+  if (pendingConstants->empty()) {
+    return;
+  }
+  for (auto it = pendingConstants->begin(); it != pendingConstants->end();) {
+    auto found = installed.find(*it);
+    if (found == installed.end()) {
+      ++it;
+      continue;
+    }
+    NSLayoutConstraint *constraint = *it;
+    it = pendingConstants->erase(it);
+    InstalledConstraint &entry = found->second;
+    double constant = [constraint constant];
+    if (entry.constant == constant) {
+      continue;
+    }
+    if (!entry.solverConstraint.isNull() && SameAsInstalledButConstant(constraint, entry) &&
+        std::isfinite(constant)) {
+      // The solver keeps lhs - rhs: the constraint's constant enters negated.
+      if (solver.updateConstant(entry.solverConstraint, -constant) ==
+          talvo::layout::Status::Ok) {
+        entry.constant = constant;
+        continue;
+      }
+    }
+    // Refused before, or refused now: written again from scratch.
+    if (!entry.solverConstraint.isNull()) {
+      solver.removeConstraint(entry.solverConstraint);
+    }
+    refused.erase(constraint);
+    AddInstalled(constraint, entry);
+  }
+}
+
+// Compares the whole tree with what the solver holds: the items that take
+// part (every view a constraint names, every view placed by constraints,
+// their layout guides and every ancestor up to the root), their generated
+// constraints and the installed ones.
+void TVLayoutEngine::SyncAll(NSView *root) {
   std::vector<NSView *> views;
   CollectSubtree(root, views);
 
   std::vector<NSLayoutConstraint *> current;
-  std::unordered_set<NSView *> wanted;
+  std::unordered_set<id> wanted;
+  std::vector<std::pair<NSLayoutGuide *, NSView *>> guides;
   for (NSView *view : views) {
     _TVViewLayoutState *state = TVLayoutState(view, NO);
     if (state == nil) {
       continue;
     }
-    if (!state->_translatesAutoresizingMask) {
+    if (!state->_translatesAutoresizingMask && view != root) {
       wanted.insert(view);
     }
+    for (NSLayoutGuide *guide in state->_layoutGuides) {
+      guides.push_back({guide, view});
+    }
     for (NSLayoutConstraint *constraint in state->_constraints) {
+      if (IsInert(constraint)) {
+        continue;
+      }
       current.push_back(constraint);
       for (id item : {[constraint firstItem], [constraint secondItem]}) {
-        if ([item isKindOfClass:[NSView class]] && [item isDescendantOf:root]) {
+        if ([item isKindOfClass:[NSView class]]) {
+          if (item == root || [item isDescendantOf:root]) {
+            wanted.insert(item);
+          }
+        } else if ([item isKindOfClass:[NSLayoutGuide class]]) {
           wanted.insert(item);
         }
       }
     }
   }
-  std::unordered_map<NSView *, NSRect> frames;
+  // A guide takes part through its owning view, which must be in the tree.
+  std::unordered_map<id, NSView *> guideOwners;
+  for (auto &guide : guides) {
+    if (wanted.count(guide.first) != 0) {
+      guideOwners[guide.first] = guide.second;
+      wanted.insert(guide.second);
+    }
+  }
+  for (auto it = wanted.begin(); it != wanted.end();) {
+    if ([*it isKindOfClass:[NSLayoutGuide class]] && guideOwners.count(*it) == 0) {
+      it = wanted.erase(it);
+    } else {
+      ++it;
+    }
+  }
   // Every ancestor of a participant takes part: frames are relative to it.
-  std::vector<NSView *> chain(wanted.begin(), wanted.end());
-  for (NSView *view : chain) {
-    for (NSView *up = [view superview]; up != nil && up != root && wanted.insert(up).second;
+  std::vector<id> chain(wanted.begin(), wanted.end());
+  for (id item : chain) {
+    if (![item isKindOfClass:[NSView class]]) {
+      continue;
+    }
+    for (NSView *up = [item superview]; up != nil && up != root && wanted.insert(up).second;
          up = [up superview]) {
     }
   }
@@ -494,66 +834,147 @@ std::unordered_map<NSView *, NSRect> TVLayoutEngine::Solve(NSView *root) {
     wanted.insert(root);
   }
 
-  SyncParticipants(root, views, wanted);
-  SyncGeneratedConstraints(root, views);
-  SyncInstalledConstraints(current);
-  solver.updateVariables();
-
+  for (auto it = participants.begin(); it != participants.end();) {
+    auto next = std::next(it);
+    bool keep = wanted.count(it->first) != 0;
+    if (keep && !it->second.isGuide && it->first != root) {
+      keep = [(NSView *)it->first superview] == it->second.parent;
+    } else if (keep && it->second.isGuide) {
+      keep = guideOwners[it->first] == it->second.parent;
+    }
+    if (!keep) {
+      DropParticipant(it);
+    }
+    it = next;
+  }
+  // Tree order, so that a parent's variables exist before its children's.
+  std::vector<id> order;
+  order.reserve(wanted.size());
   for (NSView *view : views) {
-    auto found = participants.find(view);
-    if (view == root || found == participants.end()) {
+    if (wanted.count(view) == 0) {
       continue;
     }
-    Participant &participant = found->second;
-    const ViewVariables &v = participant.variables;
-    NSView *superview = [view superview];
-    const ViewVariables &s = participants[superview].variables;
-    NSRect bounds = [superview bounds];
-    double x = v.left.value() - s.left.value() + NSMinX(bounds);
-    double yFromTop = v.top.value() - s.top.value();
-    double y = [superview isFlipped]
-                   ? yFromTop + NSMinY(bounds)
-                   : s.height.value() - yFromTop - v.height.value() + NSMinY(bounds);
-    frames[view] = NSMakeRect(x, y, v.width.value(), v.height.value());
-    // The stays follow the solution: the next pass starts from here.
-    if (participant.stays) {
-      for (const Variable &variable : {v.left, v.top, v.width, v.height}) {
-        solver.suggestValue(variable, variable.value());
+    order.push_back(view);
+    if (participants.count(view) == 0) {
+      AddParticipant(view, view == root ? nil : [view superview], false, root);
+    }
+  }
+  for (auto &guide : guides) {
+    if (guideOwners.count(guide.first) == 0) {
+      continue;
+    }
+    order.push_back(guide.first);
+    if (participants.count(guide.first) == 0) {
+      AddParticipant(guide.first, guide.second, true, root);
+    }
+  }
+  for (id item : order) {
+    Participant &participant = participants[item];
+    ReadGeometry(participant);
+    SyncFrameConstraints(item, participant);
+  }
+  movedItems.clear();
+  SyncInstalledConstraints(current);
+}
+
+// The frames of the items whose variables moved (all of them, after a full
+// comparison), and of their children, grouped by the view that applies them.
+void TVLayoutEngine::CollectFrames(bool all) {
+  std::vector<Variable> changed;
+  solver.updateVariables(&changed);
+  std::unordered_set<id> moved;
+  if (all) {
+    for (auto &entry : participants) {
+      moved.insert(entry.first);
+    }
+  } else {
+    for (const Variable &variable : changed) {
+      auto found = itemOfVariable.find(variable.id());
+      if (found == itemOfVariable.end() || !moved.insert(found->second).second) {
+        continue;
+      }
+      // Children keep their place in a moved parent, or move with it.
+      id item = found->second;
+      if (![item isKindOfClass:[NSView class]]) {
+        continue;
+      }
+      for (NSView *subview in [(NSView *)item subviews]) {
+        if (participants.count(subview) != 0) {
+          moved.insert(subview);
+        }
+      }
+      _TVViewLayoutState *state = TVLayoutState(item, NO);
+      for (NSLayoutGuide *guide in state != nil ? state->_layoutGuides : nil) {
+        if (participants.count(guide) != 0) {
+          moved.insert(guide);
+        }
       }
     }
   }
-  return frames;
+  for (id item : moved) {
+    auto found = participants.find(item);
+    if (found == participants.end() || item == rootView) {
+      continue;
+    }
+    Participant &participant = found->second;
+    FollowWithStays(participant);
+    NSRect frame = FrameOf(participant);
+    if (participant.isGuide) {
+      *GuideFrameSlot(item) = frame;
+      continue;
+    }
+    framesToApply[participant.parent].push_back({(NSView *)item, frame});
+  }
+}
+
+void TVLayoutEngine::Solve(NSView *root, bool structureChanged) {
+  framesToApply.clear();
+  if (structureChanged) {
+    SyncAll(root);
+  } else {
+    // A frame set by code: the view's generated constraints follow it (a
+    // translating view) or its stays do (a view placed by constraints).
+    std::vector<id> moved(movedItems.begin(), movedItems.end());
+    movedItems.clear();
+    for (id item : moved) {
+      auto found = participants.find(item);
+      if (found == participants.end()) {
+        continue;
+      }
+      Participant &participant = found->second;
+      if (item != root && participant.stays) {
+        SuggestFrame(participant);
+      }
+      SyncFrameConstraints(item, participant);
+    }
+  }
+  ApplyPendingConstants();
+  CollectFrames(structureChanged);
 }
 
 void TVDestroyLayoutEngine(TVLayoutEngine *engine) { delete engine; }
 
 NSUInteger TVLayoutBrokenConstraintCount(void) { return brokenConstraintCount; }
 
-namespace {
+unsigned long long TVLayoutGeneration(void) { return layoutGeneration; }
 
-// Top-down: each view's layout places its own subviews.
-void RunLayoutPass(NSView *view) {
-  _TVViewLayoutState *state = TVLayoutState(view, NO);
-  if (state != nil) {
-    state->_needsLayout = NO;
-  }
-  [view layout];
-  for (NSView *subview in [[[view subviews] copy] autorelease]) {
-    RunLayoutPass(subview);
-  }
+BOOL TVLayoutRootUsesConstraints(NSView *root) {
+  _TVViewLayoutState *state = TVLayoutState(root, NO);
+  return state != nil && state->_engine != nullptr && state->_engine->participants.size() > 1;
 }
-
-}  // namespace
 
 void TVMarkNeedsLayoutPass(NSView *view) {
   if (view == nil || applyingFrames) {
     return;
   }
+  layoutGeneration++;
   NSView *root = LayoutRoot(view);
   if (root == nil) {
     return;
   }
-  TVLayoutState(root, YES)->_needsLayout = YES;
+  _TVViewLayoutState *state = TVLayoutState(root, YES);
+  state->_needsLayout = YES;
+  state->_layoutStructureChanged = YES;
   NSWindow *window = [view window];
   if (window == nil) {
     detachedRoots->insert(root);
@@ -561,11 +982,107 @@ void TVMarkNeedsLayoutPass(NSView *view) {
   [window setViewsNeedDisplay:YES];
 }
 
-void TVForgetLayoutRoot(NSView *view) { detachedRoots->erase(view); }
+void TVMarkNeedsUpdatePass(NSView *view) {
+  NSView *root = view != nil ? LayoutRoot(view) : nil;
+  if (root == nil) {
+    return;
+  }
+  TVLayoutState(root, YES)->_needsUpdatePass = YES;
+  TVMarkNeedsLayoutPass(view);
+}
 
-NSSize TVFittingSize(NSView *view) {
-  // Replaced by a solve of the view's own subtree.
-  return view != nil ? [view frame].size : NSZeroSize;
+void TVNoteConstantChange(NSLayoutConstraint *constraint) {
+  if (![constraint isKindOfClass:[_TVLayoutConstraint class]]) {
+    return;
+  }
+  NSView *holder = ((_TVLayoutConstraint *)constraint)->_holder;
+  if (holder == nil) {
+    return;
+  }
+  pendingConstants->insert(constraint);
+  layoutGeneration++;
+  NSView *root = LayoutRoot(holder);
+  if (root == nil) {
+    return;
+  }
+  TVLayoutState(root, YES)->_needsLayout = YES;
+  NSWindow *window = [holder window];
+  if (window == nil) {
+    detachedRoots->insert(root);
+  }
+  [window setViewsNeedDisplay:YES];
+}
+
+void TVForgetConstraint(NSLayoutConstraint *constraint) { pendingConstants->erase(constraint); }
+
+void TVForgetLayoutRoot(NSView *view) {
+  detachedRoots->erase(view);
+  viewsAskingForLayout->erase(view);
+}
+
+// The pass proper: update constraints where asked, bring the solver up to
+// date, then lay out the views whose frames moved (every view after a
+// structural change, as AppKit's first pass does) and those that asked.
+static void TVRunPasses(NSView *root) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  [root retain];
+  detachedRoots->erase(root);
+  _TVViewLayoutState *rootState = TVLayoutState(root, YES);
+  if (rootState->_needsUpdatePass) {
+    rootState->_needsUpdatePass = NO;
+    RunUpdatePass(root);
+  }
+  bool structureChanged = rootState->_layoutStructureChanged;
+  rootState->_layoutStructureChanged = NO;
+  if (rootState->_engine == nullptr) {
+    rootState->_engine = new TVLayoutEngine();
+    rootState->_engine->rootView = root;
+    structureChanged = true;
+  }
+  TVLayoutEngine *engine = rootState->_engine;
+  engine->Solve(root, structureChanged);
+
+  FramesByParent frames;
+  frames.swap(engine->framesToApply);
+  // Apply the frames through -layout of each parent, top-down.
+  std::vector<NSView *> parents;
+  for (auto &entry : frames) {
+    parents.push_back(entry.first);
+  }
+  std::vector<NSView *> asking;
+  for (NSView *view : *viewsAskingForLayout) {
+    if (view == root || [view isDescendantOf:root]) {
+      asking.push_back(view);
+    }
+  }
+  rootState->_needsLayout = NO;
+  FramesByParent *outerFrames = solvedFrames;
+  solvedFrames = &frames;
+  if (structureChanged) {
+    LayOutSubtree(root);
+  } else {
+    std::vector<std::pair<int, NSView *>> byDepth;
+    for (NSView *view : parents) {
+      byDepth.push_back({Depth(view), view});
+    }
+    std::sort(byDepth.begin(), byDepth.end(),
+              [](const std::pair<int, NSView *> &a, const std::pair<int, NSView *> &b) {
+                return a.first < b.first;
+              });
+    for (auto &entry : byDepth) {
+      LayOut(entry.second);
+    }
+  }
+  // Views that asked for layout themselves lay out their whole subtree.
+  for (NSView *view : asking) {
+    if (viewsAskingForLayout->count(view) != 0) {
+      LayOutSubtree(view);
+    }
+  }
+  solvedFrames = outerFrames;
+  rootState->_needsLayout = NO;
+  [root release];
+  [pool drain];
 }
 
 void TVRunLayoutPasses(NSView *view) {
@@ -573,23 +1090,34 @@ void TVRunLayoutPasses(NSView *view) {
   if (root == nil) {
     return;
   }
-  NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  [root retain];
-  detachedRoots->erase(root);
-  RunUpdatePass(root);
-  _TVViewLayoutState *rootState = TVLayoutState(root, YES);
-  if (rootState->_engine == nullptr) {
-    rootState->_engine = new TVLayoutEngine();
-    rootState->_engine->rootView = root;
+  _TVViewLayoutState *state = TVLayoutState(root, NO);
+  bool pending = state == nil || state->_needsLayout || state->_needsUpdatePass ||
+                 state->_layoutStructureChanged || state->_engine == nullptr;
+  if (!pending) {
+    return;  // nothing changed since the last pass
   }
-  std::unordered_map<NSView *, NSRect> frames = rootState->_engine->Solve(root);
-  std::unordered_map<NSView *, NSRect> *outer = solvedFrames;
-  solvedFrames = &frames;
-  RunLayoutPass(root);
-  solvedFrames = outer;
-  TVLayoutState(root, YES)->_needsLayout = NO;
-  [root release];
+  TVRunPasses(root);
+}
+
+NSSize TVFittingSize(NSView *view) {
+  if (view == nil) {
+    return NSZeroSize;
+  }
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  RunUpdatePass(view);
+  TVLayoutEngine engine;
+  engine.rootView = view;
+  engine.fitting = true;
+  engine.SyncAll(view);
+  engine.solver.updateVariables();
+  NSSize size = NSZeroSize;
+  auto found = engine.participants.find(view);
+  if (found != engine.participants.end()) {
+    const ItemVariables &v = found->second.variables;
+    size = NSMakeSize(v.right.value() - v.left.value(), v.bottom.value() - v.top.value());
+  }
   [pool drain];
+  return size;
 }
 
 #pragma mark - NSView API
@@ -621,7 +1149,7 @@ void TVRunLayoutPasses(NSView *view) {
 - (void)setNeedsUpdateConstraints:(BOOL)flag {
   TVLayoutState(self, YES)->_needsUpdateConstraints = flag;
   if (flag) {
-    TVMarkNeedsLayoutPass(self);
+    TVMarkNeedsUpdatePass(self);
   }
 }
 
@@ -643,28 +1171,44 @@ void TVRunLayoutPasses(NSView *view) {
 
 - (void)setNeedsLayout:(BOOL)flag {
   TVLayoutState(self, YES)->_needsLayout = flag;
-  if (flag) {
-    TVMarkNeedsLayoutPass(self);
+  if (!flag) {
+    viewsAskingForLayout->erase(self);
+    return;
   }
+  viewsAskingForLayout->insert(self);
+  NSView *root = LayoutRoot(self);
+  if (root == nil || applyingFrames) {
+    return;
+  }
+  TVLayoutState(root, YES)->_needsLayout = YES;
+  NSWindow *window = [self window];
+  if (window == nil) {
+    detachedRoots->insert(root);
+  }
+  [window setViewsNeedDisplay:YES];
 }
 
 - (void)layout {
   if (solvedFrames == nullptr) {
     return;
   }
+  auto found = solvedFrames->find(self);
+  if (found == solvedFrames->end()) {
+    return;
+  }
   bool outer = applyingFrames;
   applyingFrames = true;
-  for (NSView *subview in [self subviews]) {
-    auto found = solvedFrames->find(subview);
-    if (found == solvedFrames->end() || [subview translatesAutoresizingMaskIntoConstraints]) {
+  for (auto &entry : found->second) {
+    NSView *subview = entry.first;
+    if ([subview superview] != self || [subview translatesAutoresizingMaskIntoConstraints]) {
       continue;
     }
     NSRect old = [subview frame];
-    if (!NSEqualRects(old, found->second)) {
-      [subview setFrame:found->second];
+    if (!NSEqualRects(old, entry.second)) {
+      [subview setFrame:entry.second];
       // GNUstep marks nothing dirty on setFrame: redraw old and new places.
       [self setNeedsDisplayInRect:old];
-      [self setNeedsDisplayInRect:found->second];
+      [self setNeedsDisplayInRect:entry.second];
     }
   }
   applyingFrames = outer;
@@ -694,58 +1238,89 @@ static void (*originalSetFrameSize)(id, SEL, NSSize) = NULL;
 static void (*originalSetFrameOrigin)(id, SEL, NSPoint) = NULL;
 static void (*originalRemoveFromSuperview)(id, SEL) = NULL;
 static void (*originalRemoveFromSuperviewQuietly)(id, SEL) = NULL;
+static void (*originalAddSubview)(id, SEL, id) = NULL;
+static void (*originalAddSubviewPositioned)(id, SEL, id, NSWindowOrderingMode, id) = NULL;
 
-static void TVRunPassesIfNeeded(NSWindow *window) {
+void TVRunPassesIfNeeded(NSWindow *window) {
   NSView *content = [window contentView];
   if (content == nil) {
     return;
   }
   _TVViewLayoutState *state = TVLayoutState(content, NO);
-  bool needed = state != nil && state->_needsLayout;
+  bool needed = state != nil && (state->_needsLayout || state->_needsUpdatePass);
   for (auto it = detachedRoots->begin(); it != detachedRoots->end();) {
     if (*it == content || [*it isDescendantOf:content]) {
       needed = true;
+      if (*it != content) {
+        TVLayoutState(content, YES)->_layoutStructureChanged = YES;
+      }
       it = detachedRoots->erase(it);
     } else {
       ++it;
     }
   }
   if (needed) {
-    TVRunLayoutPasses(content);
+    TVRunPasses(content);
   }
 }
 
-static void TVWindowDisplayIfNeeded(NSWindow *window, SEL selector) {
+static void TVWindowDisplayIfNeeded(id window, SEL selector) {
   TVRunPassesIfNeeded(window);
   originalDisplayIfNeeded(window, selector);
 }
 
-static void TVWindowDisplay(NSWindow *window, SEL selector) {
+static void TVWindowDisplay(id window, SEL selector) {
   TVRunPassesIfNeeded(window);
   originalDisplay(window, selector);
 }
 
-static void TVWindowOrder(NSWindow *window, SEL selector, NSWindowOrderingMode place,
-                          NSInteger other) {
+static void TVWindowOrder(id window, SEL selector, NSWindowOrderingMode place, NSInteger other) {
   if (place != NSWindowOut) {
     TVRunPassesIfNeeded(window);
   }
   originalOrderWindow(window, selector, place, other);
 }
 
-// A view resized or moved by code asks for a pass when constraints may
-// depend on it: it holds layout state, or its superview does.
+// A view resized or moved by code: the root's bounds, or a participant's
+// frame, which the solver must follow.
 static void TVNoteFrameChange(NSView *view) {
   if (applyingFrames) {
     return;
   }
-  if (TVLayoutState(view, NO) != nil || TVLayoutState([view superview], NO) != nil) {
-    TVMarkNeedsLayoutPass(view);
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  bool isRoot = state != nil && state->_engine != nullptr;
+  if (state == nil || (!state->_isParticipant && !isRoot)) {
+    // Not known to any solver: nothing to follow, unless its superview
+    // lays out by constraints (its next pass will count it).
+    if (TVLayoutState([view superview], NO) != nil) {
+      TVMarkNeedsLayoutPass(view);
+    }
+    return;
   }
+  NSView *root = LayoutRoot(view);
+  if (root == nil) {
+    return;
+  }
+  _TVViewLayoutState *rootState = TVLayoutState(root, YES);
+  TVLayoutEngine *engine = rootState->_engine;
+  if (engine == nullptr || engine->participants.count(view) == 0) {
+    TVMarkNeedsLayoutPass(view);
+    return;
+  }
+  engine->movedItems.insert(view);
+  if (view != root) {
+    layoutGeneration++;  // the root's own size says nothing about its needs
+  }
+  rootState->_needsLayout = YES;
+  NSWindow *window = [view window];
+  if (window == nil) {
+    detachedRoots->insert(root);
+  }
+  [window setViewsNeedDisplay:YES];
 }
 
 // GNUstep's setFrame: does not go through setFrameSize:/setFrameOrigin:.
-static void TVViewSetFrame(NSView *view, SEL selector, NSRect frame) {
+static void TVViewSetFrame(id view, SEL selector, NSRect frame) {
   BOOL changed = !NSEqualRects([view frame], frame);
   originalSetFrame(view, selector, frame);
   if (changed) {
@@ -753,7 +1328,7 @@ static void TVViewSetFrame(NSView *view, SEL selector, NSRect frame) {
   }
 }
 
-static void TVViewSetFrameSize(NSView *view, SEL selector, NSSize size) {
+static void TVViewSetFrameSize(id view, SEL selector, NSSize size) {
   BOOL changed = !NSEqualSizes([view frame].size, size);
   originalSetFrameSize(view, selector, size);
   if (changed) {
@@ -761,7 +1336,7 @@ static void TVViewSetFrameSize(NSView *view, SEL selector, NSSize size) {
   }
 }
 
-static void TVViewSetFrameOrigin(NSView *view, SEL selector, NSPoint origin) {
+static void TVViewSetFrameOrigin(id view, SEL selector, NSPoint origin) {
   BOOL changed = !NSEqualPoints([view frame].origin, origin);
   originalSetFrameOrigin(view, selector, origin);
   if (changed) {
@@ -769,24 +1344,35 @@ static void TVViewSetFrameOrigin(NSView *view, SEL selector, NSPoint origin) {
   }
 }
 
+namespace {
+
+void CollectStatefulSubtree(NSView *view, std::vector<NSView *> &out) {
+  out.push_back(view);
+  for (NSView *subview in [view subviews]) {
+    CollectStatefulSubtree(subview, out);
+  }
+}
+
+}  // namespace
+
 // A view that leaves its superview takes with it every constraint, held by
-// an ancestor, that names it or one of its subviews.
+// an ancestor, that names it or one of its subviews. Each view knows the
+// constraints that name it, so this costs what the leaving subtree holds.
 static void TVRemoveConstraintsLeavingWith(NSView *view) {
   NSView *superview = [view superview];
   if (superview == nil) {
     return;
   }
-  for (NSView *holder = superview; holder != nil; holder = [holder superview]) {
-    _TVViewLayoutState *state = TVLayoutState(holder, NO);
-    if (state == nil || [state->_constraints count] == 0) {
+  std::vector<NSView *> leaving;
+  CollectStatefulSubtree(view, leaving);
+  for (NSView *leaver : leaving) {
+    _TVViewLayoutState *state = TVLayoutState(leaver, NO);
+    if (state == nil || [state->_referencingConstraints count] == 0) {
       continue;
     }
-    for (NSLayoutConstraint *constraint in [[state->_constraints copy] autorelease]) {
-      id first = [constraint firstItem];
-      id second = [constraint secondItem];
-      BOOL names = ([first isKindOfClass:[NSView class]] && [first isDescendantOf:view]) ||
-                   ([second isKindOfClass:[NSView class]] && [second isDescendantOf:view]);
-      if (names) {
+    for (_TVLayoutConstraint *constraint in [state->_referencingConstraints allObjects]) {
+      NSView *holder = constraint->_holder;
+      if (holder != nil && holder != view && ![holder isDescendantOf:view]) {
         [holder removeConstraint:constraint];
       }
     }
@@ -794,14 +1380,48 @@ static void TVRemoveConstraintsLeavingWith(NSView *view) {
   TVMarkNeedsLayoutPass(superview);
 }
 
-static void TVViewRemoveFromSuperview(NSView *view, SEL selector) {
+static void TVViewRemoveFromSuperview(id view, SEL selector) {
   TVRemoveConstraintsLeavingWith(view);
   originalRemoveFromSuperview(view, selector);
 }
 
-static void TVViewRemoveFromSuperviewQuietly(NSView *view, SEL selector) {
+static void TVViewRemoveFromSuperviewQuietly(id view, SEL selector) {
   TVRemoveConstraintsLeavingWith(view);
   originalRemoveFromSuperviewQuietly(view, selector);
+}
+
+// A view that joins a tree: the tree's next pass compares everything, and
+// updates constraints where the newcomer needs it. A tree laid out on its
+// own before joins with its solver dropped: it is no longer a root.
+static void TVNoteSubviewAdded(NSView *superview, NSView *subview) {
+  if ([subview superview] != superview) {
+    return;
+  }
+  _TVViewLayoutState *state = TVLayoutState(subview, NO);
+  if (state != nil && state->_engine != nullptr) {
+    TVDestroyLayoutEngine(state->_engine);
+    state->_engine = nullptr;
+  }
+  detachedRoots->erase(subview);
+  NSView *root = LayoutRoot(superview);
+  if (root == nil) {
+    return;
+  }
+  if (state != nil || TVLayoutState(root, NO) != nil ||
+      [[subview class] requiresConstraintBasedLayout]) {
+    TVMarkNeedsUpdatePass(superview);
+  }
+}
+
+static void TVViewAddSubview(id view, SEL selector, id subview) {
+  originalAddSubview(view, selector, subview);
+  TVNoteSubviewAdded(view, subview);
+}
+
+static void TVViewAddSubviewPositioned(id view, SEL selector, id subview,
+                                       NSWindowOrderingMode place, id other) {
+  originalAddSubviewPositioned(view, selector, subview, place, other);
+  TVNoteSubviewAdded(view, subview);
 }
 
 @interface _TVLayoutPassHooks : NSObject
@@ -829,6 +1449,11 @@ static void TVViewRemoveFromSuperviewQuietly(NSView *view, SEL selector) {
   originalRemoveFromSuperviewQuietly = (void (*)(id, SEL))TVReplaceInstanceMethod(
       view, @selector(removeFromSuperviewWithoutNeedingDisplay),
       (IMP)TVViewRemoveFromSuperviewQuietly);
+  originalAddSubview = (void (*)(id, SEL, id))TVReplaceInstanceMethod(
+      view, @selector(addSubview:), (IMP)TVViewAddSubview);
+  originalAddSubviewPositioned =
+      (void (*)(id, SEL, id, NSWindowOrderingMode, id))TVReplaceInstanceMethod(
+          view, @selector(addSubview:positioned:relativeTo:), (IMP)TVViewAddSubviewPositioned);
 }
 
 @end

@@ -15,6 +15,10 @@ typedef struct TVLayoutEngine TVLayoutEngine;
  @public
   NSString *_identifier;
   NSView *_holder;  // not retained: the holder retains the constraint
+  BOOL _itemsGone;  // an item was deallocated: the constraint is inert
+  // The views whose _referencingConstraints hold this constraint (not
+  // retained; cleared by a view that goes away first).
+  NSView *_registeredViews[2];
 }
 @end
 
@@ -30,6 +34,13 @@ typedef struct TVLayoutEngine TVLayoutEngine;
   NSMutableArray *_layoutGuides;   // NSLayoutGuides owned by the view; nil until one is added
   BOOL _hasLayoutDirection;        // NO: the application's direction applies
   NSUserInterfaceLayoutDirection _layoutDirection;
+  // Constraints that name this view as an item, wherever they are installed
+  // or not (not retained; each constraint leaves when it goes).
+  NSHashTable *_referencingConstraints;
+  BOOL _isParticipant;           // the solver of its layout root has variables for it
+  // On layout roots: what the next pass must look at.
+  BOOL _needsUpdatePass;         // some view below asked for updateConstraints
+  BOOL _layoutStructureChanged;  // views, constraints or priorities came or went
 }
 @end
 
@@ -44,6 +55,27 @@ __attribute__((visibility("hidden"))) _TVViewLayoutState *TVLayoutState(NSView *
 /** Asks for the update-constraints and layout passes before `view`'s window
  * (or, without a window, its topmost ancestor) next displays. */
 __attribute__((visibility("hidden"))) void TVMarkNeedsLayoutPass(NSView *view);
+
+/** A constraint's constant changed: the next pass edits it in place. */
+__attribute__((visibility("hidden"))) void TVNoteConstantChange(NSLayoutConstraint *constraint);
+
+/** A view below `view`'s layout root asks for updateConstraints. */
+__attribute__((visibility("hidden"))) void TVMarkNeedsUpdatePass(NSView *view);
+
+/** Forgets a constraint that goes away (its pending constant edit). */
+__attribute__((visibility("hidden"))) void TVForgetConstraint(NSLayoutConstraint *constraint);
+
+/** Records or drops `constraint` as naming its view items. */
+__attribute__((visibility("hidden"))) void TVRegisterConstraintItems(NSLayoutConstraint *constraint);
+__attribute__((visibility("hidden"))) void TVUnregisterConstraintItems(NSLayoutConstraint *constraint);
+
+/** Counts every change that can move a layout (constraints, constants,
+ * views, frames): equal counts mean nothing changed in between. */
+__attribute__((visibility("hidden"))) unsigned long long TVLayoutGeneration(void);
+
+/** Whether the tree under the layout root `root` has anything placed by
+ * constraints (as of its last pass). */
+__attribute__((visibility("hidden"))) BOOL TVLayoutRootUsesConstraints(NSView *root);
 
 /** Frees a layout root's live solver. */
 __attribute__((visibility("hidden"))) void TVDestroyLayoutEngine(struct TVLayoutEngine *engine);

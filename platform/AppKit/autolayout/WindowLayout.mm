@@ -20,33 +20,28 @@ namespace {
 // True while this file resizes a window itself.
 bool fitting = false;
 
-// Whether anything in the tree is placed by constraints: only then does the
-// content's fitting size say anything about the window.
-bool UsesConstraints(NSView *view) {
-  _TVViewLayoutState *state = TVLayoutState(view, NO);
-  if (state != nil && ([state->_constraints count] > 0 || !state->_translatesAutoresizingMask)) {
-    return true;
-  }
-  for (NSView *subview in [view subviews]) {
-    if (UsesConstraints(subview)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // The smallest content size the content's constraints accept, or zero when
-// they do not concern the window.
+// nothing in the window is placed by constraints. Worked out again only when
+// something that can move a layout changed.
 NSSize MinimumContentSize(NSWindow *window) {
   NSView *content = [window contentView];
-  if (content == nil || !UsesConstraints(content)) {
+  if (content == nil || !TVLayoutRootUsesConstraints(content)) {
     return NSZeroSize;
+  }
+  static NSView *cachedContent = nil;  // compared, never messaged
+  static unsigned long long cachedGeneration = 0;
+  static NSSize cachedSize = NSZeroSize;
+  if (content == cachedContent && cachedGeneration == TVLayoutGeneration()) {
+    return cachedSize;
   }
   NSSize size = TVFittingSize(content);
   if (!std::isfinite(size.width) || !std::isfinite(size.height)) {
-    return NSZeroSize;
+    size = NSZeroSize;
   }
-  return NSMakeSize(MAX(0, size.width), MAX(0, size.height));
+  cachedContent = content;
+  cachedGeneration = TVLayoutGeneration();
+  cachedSize = NSMakeSize(MAX(0, size.width), MAX(0, size.height));
+  return cachedSize;
 }
 
 // Grows the content to its minimum size, keeping the window's top-left
@@ -108,7 +103,7 @@ static void (*originalOrderWindow)(id, SEL, NSWindowOrderingMode, NSInteger) = N
 
 // A resize below what the content's constraints need is limited to it; the
 // top edge stays where the caller put it.
-static void TVWindowSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL display) {
+static void TVWindowSetFrameDisplay(id window, SEL selector, NSRect frame, BOOL display) {
   if (!fitting) {
     NSSize minimum = MinimumContentSize(window);
     if (minimum.width > 0 || minimum.height > 0) {
@@ -134,17 +129,17 @@ static void TVFitIfPassPending(NSWindow *window) {
   }
 }
 
-static void TVWindowDisplayIfNeeded(NSWindow *window, SEL selector) {
+static void TVWindowDisplayIfNeeded(id window, SEL selector) {
   TVFitIfPassPending(window);
   originalDisplayIfNeeded(window, selector);
 }
 
-static void TVWindowDisplay(NSWindow *window, SEL selector) {
+static void TVWindowDisplay(id window, SEL selector) {
   TVFitIfPassPending(window);
   originalDisplay(window, selector);
 }
 
-static void TVWindowOrder(NSWindow *window, SEL selector, NSWindowOrderingMode place,
+static void TVWindowOrder(id window, SEL selector, NSWindowOrderingMode place,
                           NSInteger other) {
   if (place != NSWindowOut) {
     TVFitIfPassPending(window);

@@ -1001,11 +1001,15 @@ struct Solver::Impl {
     return status;
   }
 
-  void update() {
+  void update(std::vector<Variable>* changed) {
     for (VariableInfo& info : variableList) {
       std::int64_t row = info.info->row;
       double value = row != kNoRow ? tableau.rows[static_cast<RowId>(row)].row.constant : 0.0;
-      info.variable.setValue(value == 0.0 ? 0.0 : value);  // no -0 in frames
+      if (value == 0.0) value = 0.0;  // no -0 in frames
+      if (changed != nullptr && value != info.variable.value()) {
+        changed->push_back(info.variable);
+      }
+      info.variable.setValue(value);
     }
   }
 };
@@ -1081,7 +1085,16 @@ bool Solver::constantOf(const Constraint& constraint, double& constant) const no
   return true;
 }
 
-void Solver::updateVariables() noexcept { impl_->update(); }
+void Solver::updateVariables() noexcept { impl_->update(nullptr); }
+
+void Solver::updateVariables(std::vector<Variable>* changed) noexcept {
+  try {
+    impl_->update(changed);
+  } catch (...) {
+    // Only the list can fail to grow; the values are written regardless.
+    impl_->update(nullptr);
+  }
+}
 
 void Solver::reset() noexcept { *impl_ = Impl(); }
 

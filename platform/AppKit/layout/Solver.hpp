@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "platform/AppKit/layout/Constraint.hpp"
 #include "platform/AppKit/layout/Strength.hpp"
@@ -70,6 +71,8 @@ class Solver {
 
   // Writes the solved values into every variable the solver knows.
   void updateVariables() noexcept;
+  // The same, and appends to `changed` each variable whose value it changed.
+  void updateVariables(std::vector<Variable>* changed) noexcept;
   // Drops every constraint and edit variable.
   void reset() noexcept;
 
