@@ -177,7 +177,10 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
   NSArray *views = _viewsInLayout;
   NSUInteger count = [views count];
   for (NSUInteger i = 0; count >= 2 && i + 1 < count; i++) {
-    VXSplitViewDivider *divider = [[VXSplitViewDivider alloc] initWithFrame:NSZeroRect];
+    // Where the chain will put it: the layout starts from where things are.
+    NSRect after = [[views objectAtIndex:i] frame];
+    VXSplitViewDivider *divider = [[VXSplitViewDivider alloc]
+        initWithFrame:NSMakeRect(NSMaxX(after), 0, [self dividerThickness], NSHeight([self bounds]))];
     [divider setSplitView:self];
     [divider setIndex:(NSInteger)i];
     [divider setTranslatesAutoresizingMaskIntoConstraints:NO];

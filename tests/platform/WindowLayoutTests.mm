@@ -36,7 +36,8 @@ class WindowLayout : public PooledTest {
     if (!HasWindowServer()) {
       GTEST_SKIP() << "needs a window server";
     }
-    window_.reset([[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 300, 200)
+    // High enough on the screen that growing downward keeps the window on it.
+    window_.reset([[NSWindow alloc] initWithContentRect:NSMakeRect(50, 300, 300, 200)
                                               styleMask:NSTitledWindowMask | NSResizableWindowMask
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO]);

@@ -126,10 +126,13 @@ void UpdateConstraintsPostOrder(NSView *view, bool *changed) {
   BOOL wanted = state != nil ? state->_needsUpdateConstraints : NO;
   if (wanted || (firstTime && [[view class] requiresConstraintBasedLayout])) {
     state = TVLayoutState(view, YES);
+    BOOL requested = state->_updateRequested;
     state->_hasUpdatedConstraints = YES;
     state->_needsUpdateConstraints = NO;
+    state->_updateRequested = NO;
     [view updateConstraints];
-    NSViewController *controller = TVViewControllerForView(view);
+    // Its controller hears of it when someone asked for the update.
+    NSViewController *controller = requested ? TVViewControllerForView(view) : nil;
     if (controller != nil) {
       [controller updateViewConstraints];
     }
@@ -339,10 +342,12 @@ struct TVLayoutEngine {
         return left;
       case NSLayoutAttributeRight:
         return right;
+      // Right to left, leading and trailing measure along a mirrored axis,
+      // so that "leading + 10" is ten points in from the right edge.
       case NSLayoutAttributeLeading:
-        return p.rightToLeft ? right : left;
+        return p.rightToLeft ? right * -1.0 : left;
       case NSLayoutAttributeTrailing:
-        return p.rightToLeft ? left : right;
+        return p.rightToLeft ? left * -1.0 : right;
       case NSLayoutAttributeTop:
         return top;
       case NSLayoutAttributeBottom:
@@ -391,6 +396,7 @@ struct TVLayoutEngine {
   bool AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry);
   void RemoveInstalled(std::unordered_map<NSLayoutConstraint *, InstalledConstraint>::iterator it);
   void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
+  void RetryRefused();
   void ApplyPendingConstants();
   void CollectFrames(bool all);
   void Solve(NSView *root, bool structureChanged);
@@ -693,6 +699,23 @@ void TVLayoutEngine::RemoveInstalled(
   installed.erase(it);
 }
 
+// Constraints refused earlier, tried again after something that held them
+// off may have gone (a constraint removed, a frame or the root's size
+// changed).
+void TVLayoutEngine::RetryRefused() {
+  if (refused.empty()) {
+    return;
+  }
+  std::vector<NSLayoutConstraint *> retry(refused.begin(), refused.end());
+  refused.clear();
+  for (NSLayoutConstraint *constraint : retry) {
+    auto found = installed.find(constraint);
+    if (found != installed.end() && found->second.solverConstraint.isNull()) {
+      AddInstalled(constraint, found->second);
+    }
+  }
+}
+
 void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current) {
   std::unordered_set<NSLayoutConstraint *> wanted(current.begin(), current.end());
   bool removedAny = false;
@@ -713,15 +736,8 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
     it = next;
   }
   // A constraint refused earlier may fit now that another went.
-  if (removedAny && !refused.empty()) {
-    std::vector<NSLayoutConstraint *> retry(refused.begin(), refused.end());
-    for (NSLayoutConstraint *constraint : retry) {
-      auto found = installed.find(constraint);
-      if (found != installed.end() && found->second.solverConstraint.isNull()) {
-        refused.erase(constraint);
-        AddInstalled(constraint, found->second);
-      }
-    }
+  if (removedAny) {
+    RetryRefused();
   }
   for (NSLayoutConstraint *constraint : current) {
     if (installed.count(constraint) == 0) {
@@ -874,6 +890,36 @@ void TVLayoutEngine::SyncAll(NSView *root) {
     SyncFrameConstraints(item, participant);
   }
   movedItems.clear();
+  // Constraints go to the solver in the order of the items they join, each
+  // once the later of its items is there, so that a chain of views reaches
+  // the solver link by link and its rows stay short.
+  std::unordered_map<id, size_t> rank;
+  for (size_t i = 0; i < order.size(); i++) {
+    rank[order[i]] = i;
+  }
+  auto rankOf = [&](NSLayoutConstraint *constraint) {
+    size_t result = 0;
+    for (id item : {[constraint firstItem], [constraint secondItem]}) {
+      auto found = rank.find(item);
+      if (found != rank.end()) {
+        result = std::max(result, found->second);
+      }
+    }
+    return result;
+  };
+  std::vector<std::pair<size_t, NSLayoutConstraint *>> ranked;
+  ranked.reserve(current.size());
+  for (NSLayoutConstraint *constraint : current) {
+    ranked.push_back({rankOf(constraint), constraint});
+  }
+  std::stable_sort(ranked.begin(), ranked.end(),
+                   [](const std::pair<size_t, NSLayoutConstraint *> &a,
+                      const std::pair<size_t, NSLayoutConstraint *> &b) {
+                     return a.first < b.first;
+                   });
+  for (size_t i = 0; i < ranked.size(); i++) {
+    current[i] = ranked[i].second;
+  }
   SyncInstalledConstraints(current);
 }
 
@@ -947,6 +993,9 @@ void TVLayoutEngine::Solve(NSView *root, bool structureChanged) {
       }
       SyncFrameConstraints(item, participant);
     }
+    if (!moved.empty()) {
+      RetryRefused();
+    }
   }
   ApplyPendingConstants();
   CollectFrames(structureChanged);
@@ -958,9 +1007,28 @@ NSUInteger TVLayoutBrokenConstraintCount(void) { return brokenConstraintCount; }
 
 unsigned long long TVLayoutGeneration(void) { return layoutGeneration; }
 
+static BOOL TVSubtreeUsesConstraints(NSView *view) {
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  if (state != nil && ([state->_constraints count] > 0 || !state->_translatesAutoresizingMask)) {
+    return YES;
+  }
+  for (NSView *subview in [view subviews]) {
+    if (TVSubtreeUsesConstraints(subview)) {
+      return YES;
+    }
+  }
+  return NO;
+}
+
 BOOL TVLayoutRootUsesConstraints(NSView *root) {
   _TVViewLayoutState *state = TVLayoutState(root, NO);
-  return state != nil && state->_engine != nullptr && state->_engine->participants.size() > 1;
+  if (state == nil) {
+    return TVSubtreeUsesConstraints(root);
+  }
+  if (state->_engine != nullptr && !state->_layoutStructureChanged && !state->_needsUpdatePass) {
+    return state->_engine->participants.size() > 1;
+  }
+  return TVSubtreeUsesConstraints(root);  // not solved since it last changed
 }
 
 void TVMarkNeedsLayoutPass(NSView *view) {
@@ -1147,7 +1215,9 @@ NSSize TVFittingSize(NSView *view) {
 }
 
 - (void)setNeedsUpdateConstraints:(BOOL)flag {
-  TVLayoutState(self, YES)->_needsUpdateConstraints = flag;
+  _TVViewLayoutState *state = TVLayoutState(self, YES);
+  state->_needsUpdateConstraints = flag;
+  state->_updateRequested = flag;
   if (flag) {
     TVMarkNeedsUpdatePass(self);
   }

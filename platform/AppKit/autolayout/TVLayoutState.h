@@ -30,6 +30,7 @@ typedef struct TVLayoutEngine TVLayoutEngine;
   BOOL _needsUpdateConstraints;
   BOOL _needsLayout;
   BOOL _hasUpdatedConstraints;  // the first update pass has run
+  BOOL _updateRequested;        // setNeedsUpdateConstraints: asked (not the initial need)
   struct TVLayoutEngine *_engine;  // the live solver, on layout roots only
   NSMutableArray *_layoutGuides;   // NSLayoutGuides owned by the view; nil until one is added
   BOOL _hasLayoutDirection;        // NO: the application's direction applies

@@ -82,10 +82,9 @@ bool PassPending(NSWindow *window) {
   if (content == nil) {
     return;
   }
+  // Grown first, so that the pass lays out the size the content needs.
+  GrowToFit(self);
   TVRunLayoutPasses(content);
-  if (GrowToFit(self)) {
-    TVRunLayoutPasses(content);
-  }
 }
 
 - (void)updateConstraintsIfNeeded {
