@@ -12,7 +12,7 @@ TEST_ENV        = TMPDIR=$(abspath $(BUILD_DIR))/tmp GNUSTEP_USER_ROOT=$(abspath
 REQUIRED_TOOLS = clang cmake gnustep-config xvfb-run
 MISSING = $(strip $(foreach t,$(REQUIRED_TOOLS),$(if $(shell command -v $(t) 2>/dev/null),,$(t))))
 
-.PHONY: all deps build check check-asan install demo bench clean
+.PHONY: all deps build check check-asan install demo bench clean fuzz fuzz-build fuzz-smoke
 
 PREFIX ?= /usr/local
 
@@ -44,6 +44,44 @@ check-asan: deps
 	@mkdir -p $(ASAN_BUILD_DIR)/tmp
 	# The install test builds an uninstrumented program: not for this build.
 	cd $(ASAN_BUILD_DIR) && TMPDIR=$(abspath $(ASAN_BUILD_DIR))/tmp $(XVFB) ctest --output-on-failure -j$(JOBS) -LE install --repeat until-pass:2
+	# The fuzz targets, each for a fixed number of runs from its corpus.
+	$(MAKE) fuzz-smoke
+
+# libFuzzer targets (fuzz/): the visual format parser, the layout solver,
+# Quartz images with trimming. Built apart, with coverage and sanitizers.
+# `make fuzz` runs each for FUZZ_SECONDS, one after the other, growing a
+# corpus in the build directory from the seeds in fuzz/corpus/; reproducers
+# of failures land in $(FUZZ_BUILD_DIR)/crashes/.
+FUZZ_BUILD_DIR ?= build-fuzz
+FUZZ_TARGETS   ?= visual_format layout_solver cg_image
+FUZZ_SECONDS   ?= 300
+FUZZ_RUNS      ?= 20000
+
+fuzz-build: deps
+	CC=clang CXX=clang++ cmake -S fuzz -B $(FUZZ_BUILD_DIR)
+	cmake --build $(FUZZ_BUILD_DIR) -j$(JOBS)
+
+fuzz: fuzz-build
+	@for t in $(FUZZ_TARGETS); do \
+	  mkdir -p $(FUZZ_BUILD_DIR)/corpus/$$t $(FUZZ_BUILD_DIR)/crashes; \
+	  echo "== fuzz_$$t for $(FUZZ_SECONDS) s"; \
+	  $(FUZZ_BUILD_DIR)/fuzz_$$t -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
+	    -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD_DIR)/crashes/$$t- \
+	    $(FUZZ_BUILD_DIR)/corpus/$$t fuzz/corpus/$$t || exit 1; \
+	done
+
+# A short deterministic run of each target (part of check-asan).
+fuzz-smoke: fuzz-build
+	@for t in $(FUZZ_TARGETS); do \
+	  mkdir -p $(FUZZ_BUILD_DIR)/smoke/$$t $(FUZZ_BUILD_DIR)/crashes; \
+	  echo "== fuzz_$$t, $(FUZZ_RUNS) runs"; \
+	  if ! $(FUZZ_BUILD_DIR)/fuzz_$$t -runs=$(FUZZ_RUNS) -seed=1 -timeout=10 -rss_limit_mb=2048 \
+	      -artifact_prefix=$(FUZZ_BUILD_DIR)/crashes/$$t- \
+	      $(FUZZ_BUILD_DIR)/smoke/$$t fuzz/corpus/$$t > $(FUZZ_BUILD_DIR)/smoke/$$t.log 2>&1; then \
+	    cat $(FUZZ_BUILD_DIR)/smoke/$$t.log; exit 1; \
+	  fi; \
+	  tail -n 1 $(FUZZ_BUILD_DIR)/smoke/$$t.log; \
+	done
 
 # With a display: the gallery's window. Without one: every page rendered to
 # build/gallery/ under a private X server.
@@ -63,11 +101,12 @@ demo: build
 bench: deps
 	tools/install-deps --bench
 	$(CMAKE_ENV) cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTALVO_BUILD_TESTS=OFF
-	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench ImageBench SplitViewBench
+	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench ImageBench SplitViewBench QuartzBench
 	build-release/bench/LayoutSolverBench
 	build-release/bench/TimingCurveBench
 	$(XVFB) build-release/bench/SplitViewBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
 	$(XVFB) build-release/bench/ImageBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
+	$(XVFB) build-release/bench/QuartzBench --benchmark_repetitions=5 --benchmark_display_aggregates_only=true 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
 	$(XVFB) bench/compare-trim.py build-release/bench/ImageBench
 	/usr/bin/python3 bench/compare-kiwi.py build-release/bench/LayoutSolverBench
 

@@ -8,7 +8,7 @@
 
 - (NSAttributedString *)attributedStringByTrimmingCharactersInSet:(NSCharacterSet *)set {
   NSMutableAttributedString *trimmed = [[self mutableCopy] autorelease];
-  if (set != nil) {
+  if ([(id)set isKindOfClass:[NSCharacterSet class]]) {
     NSString *string = [trimmed string];
     NSRange found = [string rangeOfCharacterFromSet:set];
     while (found.location == 0 && found.length > 0) {

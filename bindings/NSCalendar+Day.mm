@@ -40,14 +40,42 @@ static NSInteger TVDaysInMonth(NSCalendar *calendar, NSDateComponents *component
   return 1;
 }
 
+// `date` moved by `numberOfDay` days within its month.
+static NSDate *TVDateByAddingDays(NSCalendar *calendar, int64_t numberOfDay, NSDate *date) {
+  // The day wraps within its month: month, year and time of day stay. The
+  // wrap option of dateByAddingComponents:toDate:options: does this on
+  // macOS, but GNUstep adds nothing at all when asked through it, so the
+  // wrapped day is worked out here and the date rebuilt from components.
+  NSDateComponents *components = [calendar components:TVDateAndTimeUnits fromDate:date];
+  NSInteger daysInMonth = TVDaysInMonth(calendar, components);
+  [components setDay:(NSInteger)talvo::bindings::WrappedDayOfMonth([components day], daysInMonth,
+                                                                   numberOfDay)];
+  NSDate *moved = [calendar dateFromComponents:components];
+  // Keep the sub-second part, which the components do not carry.
+  NSTimeInterval fraction = [date timeIntervalSinceReferenceDate] -
+                            floor([date timeIntervalSinceReferenceDate]);
+  return [moved dateByAddingTimeInterval:fraction];
+}
+
+// A date the calendar can place in a day: an NSDate at a finite time.
+static BOOL TVIsCalendarDate(id date) {
+  return [date isKindOfClass:[NSDate class]] &&
+         isfinite([(NSDate *)date timeIntervalSinceReferenceDate]);
+}
+
 @implementation NSCalendar (day)
 
 - (NSDate *)beginningOfDayAtDate:(NSDate *)date {
-  if (date == nil) {
+  if (!TVIsCalendarDate(date)) {
     return nil;
   }
-  NSDateComponents *components = [self components:TVYearMonthDayUnits fromDate:date];
-  return [self dateFromComponents:components];
+  @try {
+    NSDateComponents *components = [self components:TVYearMonthDayUnits fromDate:date];
+    return [self dateFromComponents:components];
+  } @catch (NSException *exception) {
+    // Dates far outside the calendar's range.
+    return nil;
+  }
 }
 
 - (NSDate *)endOfDayAtDate:(NSDate *)date {
@@ -59,22 +87,15 @@ static NSInteger TVDaysInMonth(NSCalendar *calendar, NSDateComponents *component
 }
 
 - (NSDate *)dateByAddingNumberOfDay:(int64_t)numberOfDay toDate:(NSDate *)date {
-  if (date == nil) {
+  if (!TVIsCalendarDate(date)) {
     return nil;
   }
-  // The day wraps within its month: month, year and time of day stay. The
-  // wrap option of dateByAddingComponents:toDate:options: does this on
-  // macOS, but GNUstep adds nothing at all when asked through it, so the
-  // wrapped day is worked out here and the date rebuilt from components.
-  NSDateComponents *components = [self components:TVDateAndTimeUnits fromDate:date];
-  NSInteger daysInMonth = TVDaysInMonth(self, components);
-  [components setDay:(NSInteger)talvo::bindings::WrappedDayOfMonth([components day], daysInMonth,
-                                                                   numberOfDay)];
-  NSDate *moved = [self dateFromComponents:components];
-  // Keep the sub-second part, which the components do not carry.
-  NSTimeInterval fraction = [date timeIntervalSinceReferenceDate] -
-                            floor([date timeIntervalSinceReferenceDate]);
-  return [moved dateByAddingTimeInterval:fraction];
+  @try {
+    return TVDateByAddingDays(self, numberOfDay, date);
+  } @catch (NSException *exception) {
+    // Dates far outside the calendar's range.
+    return nil;
+  }
 }
 
 @end

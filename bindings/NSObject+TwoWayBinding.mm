@@ -5,6 +5,30 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
+// The binding's transformer when it can run in reverse: the one named by
+// NSValueTransformerNameBindingOption, else NSValueTransformerBindingOption.
+// NSNull stands for an unset option, as in AppKit; a binding without a
+// transformer (no options, no entry, NSNull) writes the value itself, since
+// writing nil to the model would lose the user's value.
+static id TVReverseTransformer(id options) {
+  if (![options isKindOfClass:[NSDictionary class]]) {
+    return nil;
+  }
+  id transformer = nil;
+  id name = [options objectForKey:NSValueTransformerNameBindingOption];
+  if ([name isKindOfClass:[NSString class]]) {
+    transformer = [NSValueTransformer valueTransformerForName:name];
+  }
+  if (transformer == nil) {
+    transformer = [options objectForKey:NSValueTransformerBindingOption];
+  }
+  if (![transformer isKindOfClass:[NSValueTransformer class]] ||
+      ![[transformer class] allowsReverseTransformation]) {
+    return nil;
+  }
+  return transformer;
+}
+
 @implementation NSObject (twoWayBinding)
 
 - (void)notifyBindedObjectChangeForKeyPath:(NSString *)binding {
@@ -18,12 +42,8 @@
     }
     id value = [self valueForKeyPath:binding];
 
-    // NSNull stands for a binding without a transformer; so do bindings made
-    // without options, or whose options have no transformer entry at all:
-    // writing nil to the model for them would lose the user's value.
-    id transformer = [[info objectForKey:NSOptionsKey] objectForKey:NSValueTransformerBindingOption];
-    if (transformer != nil && transformer != [NSNull null] &&
-        [transformer respondsToSelector:@selector(reverseTransformedValue:)]) {
+    id transformer = TVReverseTransformer([info objectForKey:NSOptionsKey]);
+    if (transformer != nil) {
       value = [transformer reverseTransformedValue:value];
     }
 

@@ -34,6 +34,12 @@ static NSUInteger TVCount(id value) {
   return NO;
 }
 
+// One way only: the reverse of anything is nil (NSValueTransformer's own
+// implementation raises, and Talvo's methods never do).
+- (id)reverseTransformedValue:(id)value {
+  return nil;
+}
+
 - (id)transformedValue:(id)value {
   return [NSNumber numberWithInt:TVCount(value) == 0 ? 1 : 0];
 }
@@ -48,6 +54,12 @@ static NSUInteger TVCount(id value) {
 
 + (BOOL)allowsReverseTransformation {
   return NO;
+}
+
+// One way only: the reverse of anything is nil (NSValueTransformer's own
+// implementation raises, and Talvo's methods never do).
+- (id)reverseTransformedValue:(id)value {
+  return nil;
 }
 
 - (id)transformedValue:(id)value {
@@ -66,6 +78,12 @@ static NSUInteger TVCount(id value) {
   return NO;
 }
 
+// One way only: the reverse of anything is nil (NSValueTransformer's own
+// implementation raises, and Talvo's methods never do).
+- (id)reverseTransformedValue:(id)value {
+  return nil;
+}
+
 - (id)transformedValue:(id)value {
   return [NSNumber numberWithInt:TVCount(value) > 1 ? 1 : 0];
 }
@@ -82,6 +100,12 @@ static NSUInteger TVCount(id value) {
 
 + (BOOL)allowsReverseTransformation {
   return NO;
+}
+
+// One way only: the reverse of anything is nil (NSValueTransformer's own
+// implementation raises, and Talvo's methods never do).
+- (id)reverseTransformedValue:(id)value {
+  return nil;
 }
 
 - (id)transformedValue:(id)value {

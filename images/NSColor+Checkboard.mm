@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "core/colors/ColorMath.hpp"
+#import "images/TVOffscreenLimits.h"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -36,19 +37,26 @@ using talvo::colors::Square;
     return nil;
   }
   CheckerboardTile tile = talvo::colors::CheckerboardTileFor(width);
+  if (!TVOffscreenSizeAllowed(tile.size, tile.size)) {
+    return nil;
+  }
   NSImage *image = [[NSImage alloc] initWithSize:NSMakeSize(tile.size, tile.size)];
   NSColor *pattern = nil;
   @try {
     [image lockFocus];
-    [firstColor set];
-    for (const Square &square : tile.first) {
-      NSRectFill(NSMakeRect(square.x, square.y, square.width, square.height));
+    // The focus is given back whatever the colours do (a -set may raise).
+    @try {
+      [firstColor set];
+      for (const Square &square : tile.first) {
+        NSRectFill(NSMakeRect(square.x, square.y, square.width, square.height));
+      }
+      [secondColor set];
+      for (const Square &square : tile.second) {
+        NSRectFill(NSMakeRect(square.x, square.y, square.width, square.height));
+      }
+    } @finally {
+      [image unlockFocus];
     }
-    [secondColor set];
-    for (const Square &square : tile.second) {
-      NSRectFill(NSMakeRect(square.x, square.y, square.width, square.height));
-    }
-    [image unlockFocus];
     pattern = [NSColor colorWithPatternImage:image];
   } @catch (NSException *exception) {
     pattern = nil;

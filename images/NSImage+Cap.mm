@@ -1,6 +1,7 @@
 #import <Talvo/NSImage+Cap.h>
 
 #include "core/images/ImageGeometry.hpp"
+#import "images/TVOffscreenLimits.h"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -12,7 +13,7 @@
 // GNUstep's focus raises without a window server: then nothing is drawn).
 static void TVDrawIntoImage(NSImage *image, void (^draw)(void)) {
   NSSize size = [image size];
-  if (!(size.width > 0) || !(size.height > 0)) {
+  if (!TVOffscreenSizeAllowed(size.width, size.height)) {
     return;
   }
   @try {

@@ -15,23 +15,27 @@
   if (mask == NULL) {
     return;
   }
-  [NSGraphicsContext saveGraphicsState];
   @try {
-    CGContextRef context = (CGContextRef)[[NSGraphicsContext currentContext] graphicsPort];
-    if (context != NULL) {
-      if (flipped) {
-        // Mirror in place: y runs down from the top of the rectangle.
-        CGContextTranslateCTM(context, 0, rect.origin.y);
-        rect.origin.y = 0;
-        CGContextConcatCTM(context, CGAffineTransformMake(1, 0, 0, -1, 0, rect.size.height));
+    [NSGraphicsContext saveGraphicsState];
+    // Restored on every path, a raising -setFill included.
+    @try {
+      CGContextRef context = (CGContextRef)[[NSGraphicsContext currentContext] graphicsPort];
+      if (context != NULL) {
+        if (flipped) {
+          // Mirror in place: y runs down from the top of the rectangle.
+          CGContextTranslateCTM(context, 0, rect.origin.y);
+          rect.origin.y = 0;
+          CGContextConcatCTM(context, CGAffineTransformMake(1, 0, 0, -1, 0, rect.size.height));
+        }
+        CGContextClipToMask(context, rect, mask);
+        [color setFill];
+        NSRectFillUsingOperation(rect, NSCompositeSourceOver);
       }
-      CGContextClipToMask(context, rect, mask);
-      [color setFill];
-      NSRectFillUsingOperation(rect, NSCompositeSourceOver);
+    } @finally {
+      [NSGraphicsContext restoreGraphicsState];
     }
   } @catch (NSException *exception) {
   }
-  [NSGraphicsContext restoreGraphicsState];
 }
 
 @end

@@ -11,9 +11,11 @@ NS_ASSUME_NONNULL_BEGIN
  * on the receiver's side. The binding and the property share one name.
  *
  * Nothing is written when the receiver has no such binding or when the
- * bound side already holds that very object. A binding whose options have
- * no transformer (no options at all, no entry, or NSNull) writes the
- * receiver's value itself.
+ * bound side already holds that very object. The transformer is the one
+ * named by NSValueTransformerNameBindingOption, else the
+ * NSValueTransformerBindingOption object; a binding without one that allows
+ * reverse transformation (no options at all, no entry, or NSNull, which
+ * stands for an unset option) writes the receiver's value itself.
  */
 - (void)notifyBindedObjectChangeForKeyPath:(NSString *)binding;
 

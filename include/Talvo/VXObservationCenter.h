@@ -10,8 +10,12 @@ typedef void (^VXObservationChangeHandler)(NSDictionary *change);
  * block instead of implementing the KVO callback itself.
  *
  * At most one handler is registered per (object, key path) pair. The center
- * does not retain the objects it observes: unobserve an object before it
- * goes away, and keep handlers from retaining the object they observe.
+ * does not retain the objects it observes, and keep handlers from retaining
+ * the object they observe. Registrations end by themselves when either side
+ * goes: an observed object that is deallocated while still observed is
+ * dropped with its handlers (once its -dealloc reaches NSObject's), and a
+ * center that is deallocated takes back its KVO registrations. Objects are
+ * told apart by identity, never by -isEqual:.
  * Meant for one thread, the main thread as a rule; handlers run on the
  * thread that changed the property.
  */

@@ -129,12 +129,9 @@ void TVCGContextSetBridge(CGContextRef c, std::unique_ptr<talvo::cg::Bridge> bri
   if (!c) return;
   bool hadBridge = c->bridge != nullptr;
   c->bridge = std::move(bridge);
-  if (c->bitmap) {
-    // AppKit draws into the bitmap's cairo surface: bring the memory up to
-    // date when it stops, and the surface when it starts.
-    if (hadBridge) c->bitmap->flush();
-    if (c->bridge) c->bitmap->reload();
-  }
+  // AppKit drew through the bitmap's foreign surface (taken when the
+  // bridge was made): the memory is brought up to date as it lets go.
+  if (c->bitmap && hadBridge) c->bitmap->endForeignDrawing();
 }
 
 CGContextRef CGContextRetain(CGContextRef c) {
@@ -149,7 +146,11 @@ void CGContextRelease(CGContextRef c) {
     Live().erase(c);
   }
   c->bridge.reset();
-  void *data = c->bitmap ? c->bitmap->data() : nullptr;
+  void *data = nullptr;
+  if (c->bitmap) {
+    c->bitmap->flush();  // the memory handed back is complete
+    data = c->bitmap->data();
+  }
   c->engine.reset();
   c->bitmap.reset();
   CGColorSpaceRelease(c->space);
@@ -158,7 +159,9 @@ void CGContextRelease(CGContextRef c) {
 }
 
 void CGContextFlush(CGContextRef c) {
-  if (c && c->bitmap) c->bitmap->flush();
+  if (!c || !c->bitmap) return;
+  c->bitmap->flush();
+  c->bitmap->exposeMemory();
 }
 
 void CGContextSynchronize(CGContextRef c) { CGContextFlush(c); }
@@ -444,9 +447,11 @@ void CGContextFillRect(CGContextRef c, CGRect rect) { CGContextFillRects(c, &rec
 
 void CGContextFillRects(CGContextRef c, const CGRect *rects, size_t count) {
   if (!rects) return;
-  std::vector<q::Rect> list;
-  for (size_t i = 0; i < count; ++i) list.push_back(ToQuartz(rects[i]));
-  Draw(c, [&](q::Context &e) { e.fillRects(list.data(), list.size()); });
+  Draw(c, [&](q::Context &e) {
+    e.beginPath();
+    for (size_t i = 0; i < count; ++i) e.addRect(ToQuartz(rects[i]));
+    e.fillPath(q::FillRule::Winding);
+  });
 }
 
 void CGContextStrokeRect(CGContextRef c, CGRect rect) {
@@ -484,6 +489,51 @@ void CGContextStrokeLineSegments(CGContextRef c, const CGPoint *points, size_t c
 void CGContextDrawImage(CGContextRef c, CGRect rect, CGImageRef image) {
   if (!image) return;
   Draw(c, [&](q::Context &e) { e.drawImage(ToQuartz(rect), image->image.get()); });
+}
+
+void CGContextDrawLinearGradient(CGContextRef c, CGGradientRef gradient, CGPoint startPoint,
+                                 CGPoint endPoint, CGGradientDrawingOptions options) {
+  if (!gradient || gradient->stops.empty()) return;
+  Draw(c, [&](q::Context &e) {
+    e.drawLinearGradient(gradient->stops.data(), gradient->stops.size(),
+                         q::Point{startPoint.x, startPoint.y}, q::Point{endPoint.x, endPoint.y},
+                         options & kCGGradientDrawsBeforeStartLocation,
+                         options & kCGGradientDrawsAfterEndLocation);
+  });
+}
+
+void CGContextDrawRadialGradient(CGContextRef c, CGGradientRef gradient, CGPoint startCenter,
+                                 CGFloat startRadius, CGPoint endCenter, CGFloat endRadius,
+                                 CGGradientDrawingOptions options) {
+  if (!gradient || gradient->stops.empty()) return;
+  Draw(c, [&](q::Context &e) {
+    e.drawRadialGradient(gradient->stops.data(), gradient->stops.size(),
+                         q::Point{startCenter.x, startCenter.y}, startRadius,
+                         q::Point{endCenter.x, endCenter.y}, endRadius,
+                         options & kCGGradientDrawsBeforeStartLocation,
+                         options & kCGGradientDrawsAfterEndLocation);
+  });
+}
+
+void CGContextDrawShading(CGContextRef c, CGShadingRef shading) {
+  if (!c || !shading) return;
+  std::vector<q::GradientStop> stops;
+  try {
+    stops = TVCGShadingSample(shading);
+  } catch (...) {
+    return;
+  }
+  if (stops.empty()) return;
+  q::Point start{shading->start.x, shading->start.y}, end{shading->end.x, shading->end.y};
+  Draw(c, [&](q::Context &e) {
+    if (shading->radial) {
+      e.drawRadialGradient(stops.data(), stops.size(), start, shading->startRadius, end,
+                           shading->endRadius, shading->extendStart, shading->extendEnd);
+    } else {
+      e.drawLinearGradient(stops.data(), stops.size(), start, end, shading->extendStart,
+                           shading->extendEnd);
+    }
+  });
 }
 
 // --- Clipping ------------------------------------------------------------------
@@ -557,7 +607,6 @@ CGContextRef CGBitmapContextCreate(void *data, size_t width, size_t height, size
 
 CGImageRef CGBitmapContextCreateImage(CGContextRef c) {
   if (!c || !c->bitmap) return nullptr;
-  if (c->bridge) c->bitmap->flush();
   q::Image *image = c->bitmap->createImage();
   if (!image) return nullptr;
   CGImage *result = TVCGImageCreateWithImage(image);
@@ -570,7 +619,8 @@ CGImageRef CGBitmapContextCreateImage(CGContextRef c) {
 
 void *CGBitmapContextGetData(CGContextRef c) {
   if (!c || !c->bitmap) return nullptr;
-  if (c->bridge) c->bitmap->flush();
+  c->bitmap->flush();
+  c->bitmap->exposeMemory();
   return c->bitmap->data();
 }
 

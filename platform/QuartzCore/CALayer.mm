@@ -377,16 +377,24 @@ int ValueComponents(id value, double out[4]) {
   return [CABasicAnimation animationWithKeyPath:event];
 }
 
+// An action, or NSNull (which ends the search with no action).
+static BOOL TVIsActionOrNull(id object) {
+  return [object isKindOfClass:[NSNull class]] ||
+         [object respondsToSelector:@selector(runActionForKey:object:arguments:)];
+}
+
+// A value found that is neither an action nor NSNull ends the search with
+// no action, as NSNull does: it is never run.
 - (id<CAAction>)actionForKey:(NSString *)event {
   if ([_delegate respondsToSelector:@selector(actionForLayer:forKey:)]) {
     id<CAAction> action = [_delegate actionForLayer:self forKey:event];
     if (action != nil) {
-      return action;
+      return TVIsActionOrNull(action) ? action : nil;
     }
   }
-  id<CAAction> action = [_actions objectForKey:event];
+  id<CAAction> action = [_actions isKindOfClass:[NSDictionary class]] ? [_actions objectForKey:event] : nil;
   if (action != nil) {
-    return action;
+    return TVIsActionOrNull(action) ? action : nil;
   }
   return [[self class] defaultActionForKey:event];
 }
@@ -399,7 +407,8 @@ int ValueComponents(id value, double out[4]) {
   id<CAAction> action = nil;
   if (_modelLayer == nil && ![CATransaction disableActions]) {
     action = [self actionForKey:key];
-    if ([(id)action isKindOfClass:[NSNull class]]) {
+    // A subclass's -actionForKey: may answer anything: only actions run.
+    if (![(id)action respondsToSelector:@selector(runActionForKey:object:arguments:)]) {
       action = nil;
     }
   }

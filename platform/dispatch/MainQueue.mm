@@ -182,8 +182,11 @@ dispatch_queue_t dispatch_get_main_queue(void) {
   return &mainQueue;
 }
 
+// A nil queue, block or predicate does nothing, in every function alike
+// (libdispatch crashes on them).
+
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
-  if (block == nil) {
+  if (queue == NULL || block == nil) {
     return;
   }
   MainQueueState &state = State();
@@ -196,7 +199,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
 }
 
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
-  if (block == nil || when == DISPATCH_TIME_FOREVER) {
+  if (queue == NULL || block == nil || when == DISPATCH_TIME_FOREVER) {
     return;
   }
   uint64_t deadline = when == DISPATCH_TIME_NOW ? MonotonicNanoseconds() : when;
@@ -224,6 +227,9 @@ dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta) {
 
 void dispatch_once(dispatch_once_t *predicate, dispatch_block_t block) {
   enum : long { NotStarted = 0, Running = 1, Done = ~0l };
+  if (predicate == NULL || block == nil) {
+    return;  // the predicate stays as it was: a later call with a block runs it
+  }
   if (__atomic_load_n(predicate, __ATOMIC_ACQUIRE) == Done) {
     return;
   }

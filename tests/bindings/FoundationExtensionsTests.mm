@@ -4,6 +4,23 @@
 
 #import "support/TestSupport.h"
 
+// A date at any time at all, as Apple's NSDate allows (+inf included).
+@interface TVFixedDate : NSDate {
+  NSTimeInterval _interval;
+}
+@end
+
+@implementation TVFixedDate
+// NSDate's primitive initialiser (its -init comes here).
+- (instancetype)initWithTimeIntervalSinceReferenceDate:(NSTimeInterval)interval {
+  _interval = interval;
+  return self;
+}
+- (NSTimeInterval)timeIntervalSinceReferenceDate {
+  return _interval;
+}
+@end
+
 namespace {
 
 class FoundationExtensions : public PooledTest {
@@ -70,6 +87,45 @@ TEST_F(FoundationExtensions, DayBoundariesInTheCalendarsTimeZone) {
   EXPECT_NSEQ([calendar endOfDayAtDate:afternoon], Date(calendar, 2026, 3, 11, 0, 59, 59));
   EXPECT_EQ([calendar beginningOfDayAtDate:nil], nil);
   EXPECT_EQ([calendar endOfDayAtDate:nil], nil);
+}
+
+// Dates no day holds, and arguments that are not dates: nil, never an
+// exception.
+TEST_F(FoundationExtensions, DayMethodsAnswerNilForDatesNoDayHolds) {
+  NSCalendar *calendar = Calendar();
+  for (double interval : {(double)INFINITY, -(double)INFINITY, (double)NAN}) {
+    @try {
+      // GNUstep's own dates refuse such times; Apple's hold them.
+      TVFixedDate *date = [[[TVFixedDate alloc] initWithTimeIntervalSinceReferenceDate:interval] autorelease];
+      EXPECT_EQ([calendar beginningOfDayAtDate:date], nil) << interval;
+      EXPECT_EQ([calendar endOfDayAtDate:date], nil) << interval;
+      EXPECT_EQ([calendar dateByAddingNumberOfDay:3 toDate:date], nil) << interval;
+    } @catch (NSException *exception) {
+      ADD_FAILURE() << interval << " raised " << [[exception reason] UTF8String];
+    }
+  }
+  for (id notADate : {(id)@"2026-03-10", (id)@42, (id)[NSNull null]}) {
+    @try {
+      EXPECT_EQ([calendar beginningOfDayAtDate:notADate], nil);
+      EXPECT_EQ([calendar endOfDayAtDate:notADate], nil);
+      EXPECT_EQ([calendar dateByAddingNumberOfDay:1 toDate:notADate], nil);
+    } @catch (NSException *exception) {
+      ADD_FAILURE() << "raised " << [[exception reason] UTF8String];
+    }
+  }
+}
+
+// Trimming with an argument that is not a character set trims nothing.
+TEST_F(FoundationExtensions, TrimmingWithANonSetTrimsNothing) {
+  NSAttributedString *padded = [[[NSAttributedString alloc] initWithString:@"  x  "] autorelease];
+  for (id notASet : {(id)@" ", (id)@32, (id)[NSNull null]}) {
+    @try {
+      NSAttributedString *trimmed = [padded attributedStringByTrimmingCharactersInSet:notASet];
+      EXPECT_NSEQ([trimmed string], @"  x  ");
+    } @catch (NSException *exception) {
+      ADD_FAILURE() << "raised " << [[exception reason] UTF8String];
+    }
+  }
 }
 
 TEST_F(FoundationExtensions, AddingDaysWrapsWithinTheMonthAndKeepsTheTime) {

@@ -101,6 +101,40 @@ TEST_F(TwoWayBinding, NullTransformerWritesTheValueItself) {
   EXPECT_EQ([model_.get() text], value);
 }
 
+// A real binding made with NSNull options, as AppKit code makes them:
+// NSNull means "not set", so binding works and the value is written itself.
+TEST_F(TwoWayBinding, NullOptionsOfARealBindingMeanNoTransformer) {
+  for (NSString *option in @[ NSValueTransformerBindingOption, NSValueTransformerNameBindingOption ]) {
+    [model_.get() setText:@"model"];
+    @try {
+      Bind(@{option : [NSNull null], NSNullPlaceholderBindingOption : [NSNull null]});
+    } @catch (NSException *exception) {
+      ADD_FAILURE() << [option UTF8String] << " raised " << [[exception reason] UTF8String];
+      continue;
+    }
+    EXPECT_NSEQ([view_.get() value], @"model");  // forward, untransformed
+    NSString *value = [NSString stringWithFormat:@"typed %@", option];
+    [view_.get() setValue:value];
+    [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+    EXPECT_EQ([model_.get() text], value) << [option UTF8String];
+    [model_.get() setText:nil];  // an NSNull placeholder is no placeholder
+    EXPECT_EQ([view_.get() value], nil);
+    [view_.get() unbind:@"value"];
+  }
+}
+
+// The transformer named by NSValueTransformerNameBindingOption runs in
+// reverse, as the object given by NSValueTransformerBindingOption does.
+TEST_F(TwoWayBinding, NamedTransformerIsReversed) {
+  NSString *name = @"TVTwoWayStringToAttributedString";
+  [NSValueTransformer setValueTransformer:[[VXStringToAttributedString new] autorelease] forName:name];
+  Bind(@{NSValueTransformerNameBindingOption : name, NSValueTransformerBindingOption : [NSNull null]});
+  [view_.get() setValue:[[[NSAttributedString alloc] initWithString:@"named"] autorelease]];
+  [view_.get() notifyBindedObjectChangeForKeyPath:@"value"];
+  EXPECT_NSEQ([model_.get() text], @"named");
+  EXPECT_TRUE([[model_.get() text] isKindOfClass:[NSString class]]);
+}
+
 TEST_F(TwoWayBinding, BindingWithoutOptionsWritesTheValueItself) {
   Bind(nil);
   NSString *value = [NSString stringWithFormat:@"%d", 7];

@@ -267,6 +267,38 @@ TEST(LayoutVisualFormatError, BadRelationsAndPriorities) {
   ExpectError("[a(>=n)]", 0, {{"n", std::nan("")}});
 }
 
+// A literal with enough digits is infinite as a double: refused, like a
+// non-finite metric, wherever a number is read.
+TEST(LayoutVisualFormatError, OverflowingNumbersAreRefused) {
+  const std::string nines(400, '9');
+  for (const std::string& format :
+       {"H:[a(==" + nines + ")]", "H:[a]-" + nines + "-[b]", "H:|-(>=" + nines + ")-[a]",
+        "H:[a(20@" + nines + ")]", "H:[a(-" + nines + ")]"}) {
+    ExpectError(format);
+  }
+  EXPECT_EQ(Parse("H:[a(==" + nines + ")]").error.rfind("Number is too large at 7", 0), 0u);
+  ExpectError("[a]-n-[b]", 0, {{"n", HUGE_VAL}});
+  // Large but finite stays a number.
+  VisualFormatResult large = Parse("H:[a(==" + std::string(300, '9') + ")]");
+  ASSERT_TRUE(large.ok()) << large.error;
+  EXPECT_GT(large.constraints[0].constant, 9e299);
+}
+
+// Priorities live in 1...1000: a positive one below 1, from a literal or a
+// metric, is 1 (a float would round 1e-50 to 0, which is no priority).
+TEST(LayoutVisualFormatView, PrioritiesBelowOneAreOne) {
+  VisualFormatResult literal = Parse("[a(20@0." + std::string(60, '0') + "1)]");
+  ASSERT_TRUE(literal.ok()) << literal.error;
+  EXPECT_EQ(literal.constraints[0].priority, 1.0f);
+  VisualFormatResult metric = Parse("[a]-(8@p)-[b]", 0, {{"p", 1e-50}});
+  ASSERT_TRUE(metric.ok()) << metric.error;
+  EXPECT_EQ(metric.constraints[0].priority, 1.0f);
+  EXPECT_EQ(Parse("[a(20@0.5)]").constraints[0].priority, 1.0f);
+  EXPECT_EQ(Parse("[a(20@1.5)]").constraints[0].priority, 1.5f);
+  ExpectError("[a(20@p)]", 0, {{"p", 0.0}});
+  ExpectError("[a(20@p)]", 0, {{"p", 1000.5}});
+}
+
 TEST(LayoutVisualFormatError, WhitespaceIsRejected) {
   for (const char* format : {"H: [a]", "[a] -8- [b]", "[a]-8-[b] ", " [a]", "[ a]", "[a(>= 20)]",
                              "[a]\t", "[a]\n|"}) {

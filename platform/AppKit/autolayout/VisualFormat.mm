@@ -36,20 +36,38 @@ static NSArray *TVConstraintsWithVisualFormat(id cls, SEL selector, NSString *fo
                                               NSLayoutFormatOptions options,
                                               NSDictionary *metrics, NSDictionary *views) {
   if (![format isKindOfClass:[NSString class]]) {
+    NSLog(@"Unable to parse constraint format: the format is not a string");
+    return [NSArray array];
+  }
+  // Metrics: names to NSNumbers; views: names to views. Anything else is
+  // refused whole rather than half-read (AppKit raises).
+  if (metrics != nil && ![metrics isKindOfClass:[NSDictionary class]]) {
+    NSLog(@"Unable to parse constraint format '%@': metrics must be a dictionary", format);
+    return [NSArray array];
+  }
+  if (views != nil && ![views isKindOfClass:[NSDictionary class]]) {
+    NSLog(@"Unable to parse constraint format '%@': views must be a dictionary", format);
     return [NSArray array];
   }
   std::map<std::string, double> metricValues;
   for (id name in metrics) {
     id value = [metrics objectForKey:name];
-    if ([name isKindOfClass:[NSString class]] && [value respondsToSelector:@selector(doubleValue)]) {
-      metricValues[UTF8(name)] = [value doubleValue];
+    if (![name isKindOfClass:[NSString class]] || ![value isKindOfClass:[NSNumber class]]) {
+      NSLog(@"Unable to parse constraint format '%@': metric %@ is not a name and a number",
+            format, name);
+      return [NSArray array];
     }
+    metricValues[UTF8(name)] = [value doubleValue];
   }
   std::set<std::string> viewNames;
   for (id name in views) {
-    if ([name isKindOfClass:[NSString class]]) {
-      viewNames.insert(UTF8(name));
+    if (![name isKindOfClass:[NSString class]] ||
+        ![[views objectForKey:name] isKindOfClass:[NSView class]]) {
+      NSLog(@"Unable to parse constraint format '%@': view %@ is not a name and a view", format,
+            name);
+      return [NSArray array];
     }
+    viewNames.insert(UTF8(name));
   }
   talvo::layout::VisualFormatResult parsed =
       talvo::layout::ParseVisualFormat(UTF8(format), options, metricValues, viewNames);

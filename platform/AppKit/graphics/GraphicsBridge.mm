@@ -86,10 +86,20 @@ ptrdiff_t FindIvar(Class cls, const char *name, const char *typePrefix) {
   return ivar_getOffset(ivar);
 }
 
+// Called for every Quartz call on an AppKit context: the class checks are
+// answered from the last class seen.
 id GStateOf(NSGraphicsContext *context) {
-  if (!context || !B().usable || ![context respondsToSelector:@selector(currentGState)]) return nil;
+  if (!context || !B().usable) return nil;
+  static Class answering = Nil;  // a context class known to have -currentGState
+  Class contextClass = object_getClass(context);
+  if (contextClass != answering) {
+    if (![context respondsToSelector:@selector(currentGState)]) return nil;
+    answering = contextClass;
+  }
   id gstate = [context currentGState];
-  return [gstate isKindOfClass:B().gstateClass] ? gstate : nil;
+  if (!gstate) return nil;
+  return object_getClass(gstate) == B().gstateClass || [gstate isKindOfClass:B().gstateClass] ? gstate
+                                                                                              : nil;
 }
 
 cairo_t *CairoOf(id gstate) {
@@ -227,9 +237,36 @@ void LoadExtras(q::Context &e, const Extras &x) {
 
 int effectsDepth = 0;
 
+// Device-space bounds of `r` in the gstate's user space.
+q::Rect DeviceBoundsOfUserRect(id gstate, cairo_t *ct, NSRect r) {
+  q::AffineTransform toDevice = q::AffineTransform::concat(CTMOf(gstate), CairoMatrix(ct));
+  return toDevice.apply(q::Rect::make(r.origin.x, r.origin.y, r.size.width, r.size.height));
+}
+
+// Device-space bounds of the gstate's current path when filled; an empty
+// rect (unknown) when the gstate has no effects to apply. Strokes are left
+// unknown: GNUstep applies its pen inside DPSstroke.
+q::Rect DeviceBoundsOfPath(id gstate) {
+  cairo_t *ct = CairoOf(gstate);
+  if (!ct) return q::Rect{};
+  Extras *x = ExtrasOf(gstate, false);
+  if (!x || !x->hasEffects()) return q::Rect{};
+  [gstate _setPath];
+  cairo_matrix_t saved;
+  cairo_get_matrix(ct, &saved);
+  double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+  cairo_identity_matrix(ct);
+  cairo_fill_extents(ct, &x0, &y0, &x1, &y1);
+  cairo_set_matrix(ct, &saved);
+  cairo_new_path(ct);
+  return q::Rect::make(x0, y0, x1 - x0, y1 - y0).insetBy(-1, -1);
+}
+
 // Runs GNUstep's own drawing into a group and composites the group with
-// the gstate's alpha, shadow, blend mode and mask clips.
-void WithEffects(id gstate, void (^draw)(void)) {
+// the gstate's alpha, shadow, blend mode and mask clips. The group covers
+// only what can show: the drawing's own bounds when known (else the clip),
+// within every mask's rectangle.
+void WithEffects(id gstate, q::Rect known, void (^draw)(void)) {
   cairo_t *ct = effectsDepth == 0 ? CairoOf(gstate) : nullptr;
   Extras *found = ct ? ExtrasOf(gstate, false) : nullptr;
   if (!found || !found->hasEffects()) {
@@ -237,62 +274,53 @@ void WithEffects(id gstate, void (^draw)(void)) {
     return;
   }
   Extras x = *found;
-  ++effectsDepth;
-  cairo_push_group(ct);
-  draw();
-  cairo_pattern_t *group = cairo_pop_group(ct);
-  --effectsDepth;
-
-  // The group, in device pixels, over the clip's extents widened by the
-  // shadow so that shadows of shapes outside the clip can fall into it.
   cairo_matrix_t saved;
   cairo_get_matrix(ct, &saved);
   cairo_identity_matrix(ct);
-  double x0, y0, x1, y1;
-  cairo_clip_extents(ct, &x0, &y0, &x1, &y1);
+  double cx0, cy0, cx1, cy1;
+  cairo_clip_extents(ct, &cx0, &cy0, &cx1, &cy1);
+  q::Rect region = q::Rect::make(cx0, cy0, cx1 - cx0, cy1 - cy0);
+  if (!known.isEmpty()) region = region.intersection(known);
+  q::AffineTransform base =
+      q::AffineTransform::make(saved.xx, saved.yx, saved.xy, saved.yy, saved.x0, saved.y0);
+  for (const talvo::cg::MaskClip &m : x.masks) {
+    region = region.intersection(
+        q::AffineTransform::concat(m.ctm, base).apply(m.rect).insetBy(-1, -1));
+  }
+  region = region.integral();
+  if (region.isEmpty() || !(std::fabs(region.minX()) < 1e7) || !(std::fabs(region.minY()) < 1e7) ||
+      !(region.width() < 1e5) || !(region.height() < 1e5)) {
+    cairo_set_matrix(ct, &saved);
+    return;  // nothing of it can show
+  }
+  // The group is clipped in device space; GNUstep draws with its matrix.
   cairo_set_matrix(ct, &saved);
-  double pad = x.shadowOn ? std::fabs(x.shadowOffset.width) + std::fabs(x.shadowOffset.height) +
-                                1.5 * x.shadowBlur + 2
-                          : 0;
-  int ix0 = int(std::floor(x0 - pad)), iy0 = int(std::floor(y0 - pad));
-  int w = int(std::ceil(x1 + pad)) - ix0, h = int(std::ceil(y1 + pad)) - iy0;
-  if (w <= 0 || h <= 0 || w > 16384 || h > 16384) {
+  cairo_save(ct);
+  cairo_identity_matrix(ct);
+  cairo_rectangle(ct, region.minX(), region.minY(), region.width(), region.height());
+  cairo_clip(ct);
+  cairo_set_matrix(ct, &saved);
+  ++effectsDepth;
+  cairo_push_group(ct);
+  @try {
+    draw();
+  } @finally {
+    cairo_pattern_t *group = cairo_pop_group(ct);
+    --effectsDepth;
+    cairo_restore(ct);
+    // cairo gives the group GNUstep's user matrix; the engine composites it
+    // in device space.
+    cairo_matrix_t identity;
+    cairo_matrix_init_identity(&identity);
+    cairo_pattern_set_matrix(group, &identity);
+    if (cairo_pattern_status(group) == CAIRO_STATUS_SUCCESS) {
+      auto provider = std::make_shared<q::FunctionCairoProvider>([ct] { return ct; });
+      q::Context engine(provider, base);
+      LoadExtras(engine, x);
+      engine.drawDevicePattern(group, region);
+    }
     cairo_pattern_destroy(group);
-    return;
   }
-  cairo_surface_t *pixels = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
-  cairo_surface_set_device_offset(pixels, -ix0, -iy0);
-  cairo_t *ic = cairo_create(pixels);
-  cairo_set_matrix(ic, &saved);
-  cairo_set_source(ic, group);
-  cairo_paint(ic);
-  cairo_destroy(ic);
-  cairo_pattern_destroy(group);
-  cairo_surface_flush(pixels);
-
-  q::PixelFormat format;
-  format.width = size_t(w);
-  format.height = size_t(h);
-  format.bitsPerComponent = 8;
-  format.bitsPerPixel = 32;
-  format.bytesPerRow = size_t(cairo_image_surface_get_stride(pixels));
-  format.bitmapInfo = uint32_t(q::AlphaInfo::PremultipliedFirst) | q::kByteOrder32Little;
-  q::ImageRef image;
-  if (cairo_surface_status(pixels) == CAIRO_STATUS_SUCCESS) {
-    image = q::ImageRef::adopt(q::Image::create(format, cairo_image_surface_get_data(pixels),
-                                                format.bytesPerRow * size_t(h), false));
-  }
-  cairo_surface_destroy(pixels);
-  if (!image) return;
-
-  q::AffineTransform base = CairoMatrix(ct), toQuartz;
-  if (!base.invert(&toQuartz)) return;
-  q::Rect where = toQuartz.apply(q::Rect::make(ix0, iy0, w, h));
-  auto provider = std::make_shared<q::FunctionCairoProvider>([ct] { return ct; });
-  q::Context engine(provider, base);
-  LoadExtras(engine, x);
-  engine.setInterpolationQuality(q::InterpolationQuality::None);
-  engine.drawImage(where, image.get());
 }
 
 // Originals of the hooked primitives.
@@ -301,55 +329,59 @@ IMP oFill, oEOFill, oStroke, oCompositeRect, oImage, oCompositeGState, oDrawGSta
     oDealloc;
 
 void HFill(id self, SEL s) {
-  WithEffects(self, ^{ ((void (*)(id, SEL))oFill)(self, s); });
+  WithEffects(self, DeviceBoundsOfPath(self), ^{ ((void (*)(id, SEL))oFill)(self, s); });
 }
 void HEOFill(id self, SEL s) {
-  WithEffects(self, ^{ ((void (*)(id, SEL))oEOFill)(self, s); });
+  WithEffects(self, DeviceBoundsOfPath(self), ^{ ((void (*)(id, SEL))oEOFill)(self, s); });
 }
 void HStroke(id self, SEL s) {
-  WithEffects(self, ^{ ((void (*)(id, SEL))oStroke)(self, s); });
+  WithEffects(self, q::Rect{}, ^{ ((void (*)(id, SEL))oStroke)(self, s); });
 }
 void HCompositeRect(id self, SEL s, NSRect r, NSUInteger op) {
-  WithEffects(self, ^{ ((void (*)(id, SEL, NSRect, NSUInteger))oCompositeRect)(self, s, r, op); });
+  cairo_t *ct = CairoOf(self);
+  q::Rect known = ct ? DeviceBoundsOfUserRect(self, ct, r).insetBy(-1, -1) : q::Rect{};
+  WithEffects(self, known, ^{
+    ((void (*)(id, SEL, NSRect, NSUInteger))oCompositeRect)(self, s, r, op);
+  });
 }
 typedef void (*ImageIMP)(id, SEL, id, NSInteger, NSInteger, NSInteger, NSInteger, NSInteger,
                          NSInteger, BOOL, BOOL, id, const unsigned char *const *);
 void HImage(id self, SEL s, id matrix, NSInteger w, NSInteger h, NSInteger bps, NSInteger spp,
             NSInteger bpp, NSInteger bpr, BOOL planar, BOOL alpha, id space,
             const unsigned char *const *data) {
-  WithEffects(self, ^{
+  WithEffects(self, q::Rect{}, ^{
     ((ImageIMP)oImage)(self, s, matrix, w, h, bps, spp, bpp, bpr, planar, alpha, space, data);
   });
 }
 typedef void (*CompositeIMP)(id, SEL, id, NSRect, NSPoint, NSUInteger, CGFloat);
 void HCompositeGState(id self, SEL s, id source, NSRect r, NSPoint p, NSUInteger op, CGFloat f) {
-  WithEffects(self, ^{ ((CompositeIMP)oCompositeGState)(self, s, source, r, p, op, f); });
+  WithEffects(self, q::Rect{}, ^{ ((CompositeIMP)oCompositeGState)(self, s, source, r, p, op, f); });
 }
 void HDrawGState(id self, SEL s, id source, NSRect r, NSPoint p, NSUInteger op, CGFloat f) {
-  WithEffects(self, ^{ ((CompositeIMP)oDrawGState)(self, s, source, r, p, op, f); });
+  WithEffects(self, q::Rect{}, ^{ ((CompositeIMP)oDrawGState)(self, s, source, r, p, op, f); });
 }
 void HGradientLinear(id self, SEL s, id g, NSPoint a, NSPoint b, NSUInteger o) {
-  WithEffects(self, ^{
+  WithEffects(self, q::Rect{}, ^{
     ((void (*)(id, SEL, id, NSPoint, NSPoint, NSUInteger))oGradientLinear)(self, s, g, a, b, o);
   });
 }
 void HGradientRadial(id self, SEL s, id g, NSPoint a, CGFloat ra, NSPoint b, CGFloat rb,
                      NSUInteger o) {
-  WithEffects(self, ^{
+  WithEffects(self, q::Rect{}, ^{
     ((void (*)(id, SEL, id, NSPoint, CGFloat, NSPoint, CGFloat, NSUInteger))oGradientRadial)(
         self, s, g, a, ra, b, rb, o);
   });
 }
 void HGlyphs(id self, SEL s, const NSGlyph *g, const NSSize *adv, size_t n) {
-  WithEffects(self, ^{
+  WithEffects(self, q::Rect{}, ^{
     ((void (*)(id, SEL, const NSGlyph *, const NSSize *, size_t))oGlyphs)(self, s, g, adv, n);
   });
 }
 void HShow(id self, SEL s, const char *text) {
-  WithEffects(self, ^{ ((void (*)(id, SEL, const char *))oShow)(self, s, text); });
+  WithEffects(self, q::Rect{}, ^{ ((void (*)(id, SEL, const char *))oShow)(self, s, text); });
 }
 void HShowText(id self, SEL s, const char *text, size_t n) {
-  WithEffects(self, ^{ ((void (*)(id, SEL, const char *, size_t))oShowText)(self, s, text, n); });
+  WithEffects(self, q::Rect{}, ^{ ((void (*)(id, SEL, const char *, size_t))oShowText)(self, s, text, n); });
 }
 
 // GNUstep widens a non-rectangular clip to its bounding box when it copies
@@ -599,6 +631,10 @@ class GStateBridge final : public talvo::cg::Bridge {
   q::AffineTransform ctm() override { return CTMOf(GStateOf(context_)); }
 
   void concatCTM(const q::AffineTransform &t) override {
+    // Non-finite transforms are refused here as in the engine.
+    for (double v : {t.a, t.b, t.c, t.d, t.tx, t.ty}) {
+      if (!std::isfinite(v)) return;
+    }
     NSAffineTransform *transform = [NSAffineTransform transform];
     NSAffineTransformStruct s = {t.a, t.b, t.c, t.d, t.tx, t.ty};
     [transform setTransformStruct:s];
@@ -661,8 +697,10 @@ class GStateBridge final : public talvo::cg::Bridge {
     id gstate = GStateOf(context_);
     cairo_t *ct = CairoOf(gstate);
     if (!ct) return nullptr;
+    // The engine's own stack stays at depth 0: every field it draws with is
+    // loaded here from GNUstep's gstate and the side table, clips included.
     engine_->setBaseTransform(CairoMatrix(ct));
-    engine_->saveGState();
+    engine_->resetClip();
     engine_->setCTM(CTMOf(gstate));
     engine_->setFillColor(ToRGB(IvarAt<DeviceColor>(gstate, B().fill)));
     engine_->setStrokeColor(ToRGB(IvarAt<DeviceColor>(gstate, B().stroke)));
@@ -671,7 +709,7 @@ class GStateBridge final : public talvo::cg::Bridge {
     return engine_.get();
   }
 
-  void endDrawing() override { engine_->restoreGState(); }
+  void endDrawing() override { engine_->resetClip(); }
 
  private:
   NSGraphicsContext *context_;  // not retained: it owns or outlives the bridge's use
@@ -800,13 +838,18 @@ id HWithPort(id self, SEL s, void *port, BOOL flipped) {
   NSGraphicsContext *context = ((id (*)(id, SEL, void *, BOOL))oWithPort)(self, s, port, flipped);
   if (!context || !TVCGContextIsLive(port)) return context;
   CGContextRef c = static_cast<CGContextRef>(port);
-  if (!c->bitmap || c->bridge || !AttachSurface(context, c->bitmap->cairoSurface())) {
+  if (!c->bitmap || c->bridge) return context;
+  if (!AttachSurface(context, c->bitmap->beginForeignDrawing())) {
+    c->bitmap->endForeignDrawing();
     return context;
   }
   // Quartz state so far carries over into GNUstep's gstate.
   q::Context &own = *c->engine;
   auto *bridge = new (std::nothrow) GStateBridge(context);
-  if (!bridge) return context;
+  if (!bridge) {
+    c->bitmap->endForeignDrawing();
+    return context;
+  }
   bridge->concatCTM(own.getCTM());
   bridge->setFillColor(own.fillColor());
   bridge->setStrokeColor(own.strokeColor());

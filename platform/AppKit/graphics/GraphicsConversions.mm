@@ -7,6 +7,8 @@
 
 #include <cmath>
 
+#include "platform/CoreGraphics/engine/Checked.hpp"
+
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
@@ -49,8 +51,32 @@
 
 namespace {
 
-// Initialises `rep` as 8-bit RGBA of the given pixel size with its own memory.
+NSBitmapImageRep *InitRGBARepUnchecked(NSBitmapImageRep *rep, NSInteger width, NSInteger height);
+
+// Whether an offscreen RGBA bitmap of this many pixels is within the
+// engine's cap (talvo::quartz::kMaxSurfaceSide / kMaxSurfaceBytes).
+bool OffscreenAllowed(NSInteger width, NSInteger height) {
+  return width > 0 && height > 0 &&
+         talvo::quartz::surfaceSizeAllowed(size_t(width), size_t(height), 4);
+}
+
+// Initialises `rep` as 8-bit RGBA of the given pixel size with its own
+// memory; nil (and `rep` released) beyond the cap or when memory runs out.
 NSBitmapImageRep *InitRGBARep(NSBitmapImageRep *rep, NSInteger width, NSInteger height) {
+  if (!OffscreenAllowed(width, height)) {
+    [rep release];
+    return nil;
+  }
+  @try {
+    return InitRGBARepUnchecked(rep, width, height);
+  } @catch (NSException *e) {
+    // Out of memory below the cap: the half-made rep is left alone rather
+    // than risk releasing what GNUstep's initialiser may have freed.
+    return nil;
+  }
+}
+
+NSBitmapImageRep *InitRGBARepUnchecked(NSBitmapImageRep *rep, NSInteger width, NSInteger height) {
   return [rep initWithBitmapDataPlanes:NULL
                                                  pixelsWide:width
                                                  pixelsHigh:height
@@ -67,29 +93,41 @@ NSBitmapImageRep *InitRGBARep(NSBitmapImageRep *rep, NSInteger width, NSInteger 
 // A CGImage of `width` x `height` pixels with whatever `draw` paints in a
 // context whose user space spans `size` points; +1, NULL on failure.
 CGImageRef NewImageByDrawing(NSInteger width, NSInteger height, NSSize size, void (^draw)(void)) {
-  if (width <= 0 || height <= 0) return nullptr;
+  if (!OffscreenAllowed(width, height)) return nullptr;
+  if (!std::isfinite(size.width) || !std::isfinite(size.height)) size = NSMakeSize(width, height);
   NSBitmapImageRep *rep = InitRGBARep([NSBitmapImageRep alloc], width, height);
   if (!rep) return nullptr;
-  memset([rep bitmapData], 0, size_t(width * height * 4));
-  [rep setSize:size];
+  memset([rep bitmapData], 0, size_t(width) * size_t(height) * 4);
   CGImageRef image = nullptr;
-  NSGraphicsContext *context = [NSGraphicsContext graphicsContextWithBitmapImageRep:rep];
-  if (context) {
-    [NSGraphicsContext saveGraphicsState];
-    [NSGraphicsContext setCurrentContext:context];
-    @try {
-      draw();
-    } @catch (NSException *e) {
+  @try {
+    [rep setSize:size];
+    NSGraphicsContext *context = [NSGraphicsContext graphicsContextWithBitmapImageRep:rep];
+    if (context) {
+      [NSGraphicsContext saveGraphicsState];
+      @try {
+        [NSGraphicsContext setCurrentContext:context];
+        draw();
+      } @catch (NSException *e) {
+      } @finally {
+        [NSGraphicsContext restoreGraphicsState];  // brings the pixels to the rep
+      }
+      image = CGImageRetain([rep CGImage]);
     }
-    [NSGraphicsContext restoreGraphicsState];  // brings the pixels to the rep
-    image = [rep CGImage];
-    CGImageRetain(image);
+  } @catch (NSException *e) {
+    CGImageRelease(image);
+    image = nullptr;
   }
   [rep release];
   return image;
 }
 
-NSInteger PixelsFor(CGFloat points) { return NSInteger(std::ceil(points - 1e-9)); }
+// Whole pixels for a length in points; 0 (nothing to draw) when the length
+// is not a positive finite number or is beyond the offscreen cap.
+NSInteger PixelsFor(CGFloat points) {
+  double pixels = std::ceil(points - 1e-9);
+  if (!(pixels > 0) || !(pixels <= double(talvo::quartz::kMaxSurfaceSide))) return 0;
+  return NSInteger(pixels);
+}
 
 }  // namespace
 
@@ -100,10 +138,15 @@ NSInteger PixelsFor(CGFloat points) { return NSInteger(std::ceil(points - 1e-9))
     [self release];
     return nil;
   }
-  NSInteger width = NSInteger(CGImageGetWidth(image)), height = NSInteger(CGImageGetHeight(image));
+  size_t imageWidth = CGImageGetWidth(image), imageHeight = CGImageGetHeight(image);
+  if (!talvo::quartz::surfaceSizeAllowed(imageWidth, imageHeight, 4)) {
+    [self release];
+    return nil;
+  }
+  NSInteger width = NSInteger(imageWidth), height = NSInteger(imageHeight);
   self = InitRGBARep(self, width, height);
   if (!self) return nil;
-  memset([self bitmapData], 0, size_t(width * height * 4));
+  memset([self bitmapData], 0, size_t(width) * size_t(height) * 4);
   CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
   CGContextRef c = CGBitmapContextCreate([self bitmapData], size_t(width), size_t(height), 8,
                                          size_t(width * 4), space, kCGImageAlphaPremultipliedLast);

@@ -1,5 +1,6 @@
 #include "platform/AppKit/layout/VisualFormat.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -132,6 +133,8 @@ class Parser {
       while (IsDigit(peek())) ++pos_;
     }
     value = std::strtod(format_.substr(start, pos_ - start).c_str(), nullptr);
+    // Enough digits overflow to infinity, which no constraint can hold.
+    if (!std::isfinite(value)) return fail("Number is too large", start);
     return true;
   }
 
@@ -303,7 +306,9 @@ class Parser {
       if (!(priority > 0.0 && priority <= 1000.0)) {
         return fail("Priority must be greater than 0 and at most 1000", at);
       }
-      predicate.priority = static_cast<float>(priority);
+      // AppKit's range is 1...1000: a positive priority below 1 (which
+      // could even round to 0 as a float) counts as 1.
+      predicate.priority = static_cast<float>(std::max(priority, 1.0));
     }
     return true;
   }

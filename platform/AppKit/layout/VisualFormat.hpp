@@ -87,6 +87,9 @@ struct VisualFormatResult {
   bool ok() const { return error.empty(); }
 };
 
+// Numbers that overflow to infinity and non-finite metrics are refused;
+// priorities must be in (0, 1000] and those below 1 become 1, AppKit's
+// lowest.
 // Option bits outside the alignment and direction masks are ignored.
 // In a view's size predicate a name is looked up as a view first, then as a
 // metric; elsewhere names are metrics only.

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cmath>
 #include <new>
+
+#include "platform/CoreGraphics/engine/Checked.hpp"
 
 namespace talvo::quartz {
 
@@ -28,7 +31,8 @@ void storeNative(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
 std::shared_ptr<BitmapTarget> BitmapTarget::create(void* data, size_t width, size_t height,
                                                    size_t bpc, size_t bytesPerRow, ColorModel model,
                                                    uint32_t bitmapInfo) {
-    if (width == 0 || height == 0 || width > 32767 || height > 32767 || bpc != 8) return nullptr;
+    if (width == 0 || height == 0 || width > kMaxSurfaceSide || height > kMaxSurfaceSide || bpc != 8)
+        return nullptr;
     if (bitmapInfo & ~(kAlphaInfoMask | kByteOrderMask)) return nullptr;
     PixelFormat f;
     f.width = width;
@@ -56,16 +60,19 @@ std::shared_ptr<BitmapTarget> BitmapTarget::create(void* data, size_t width, siz
         kind = Kind::RGB32;
         f.bitsPerPixel = 32;
     }
-    size_t minRow = width * f.bitsPerPixel / 8;
+    size_t minRow = width * f.bitsPerPixel / 8;  // width <= kMaxSurfaceSide: no overflow
     if (bytesPerRow == 0) bytesPerRow = (minRow + 3) & ~size_t(3);
-    if (bytesPerRow < minRow || bytesPerRow > (1u << 30)) return nullptr;
+    size_t total;
+    if (bytesPerRow < minRow || bytesPerRow > kMaxSurfaceBytes || !checkedMul(bytesPerRow, height, &total) ||
+        total > kMaxSurfaceBytes || !surfaceSizeAllowed(width, height, 4))
+        return nullptr;
     f.bytesPerRow = bytesPerRow;
 
     std::shared_ptr<BitmapTarget> t;
     try {
         t.reset(new BitmapTarget());
         if (!data) {
-            t->owned_.assign(bytesPerRow * height, 0);
+            t->owned_.assign(total, 0);
             data = t->owned_.data();
         }
     } catch (...) {
@@ -78,7 +85,7 @@ std::shared_ptr<BitmapTarget> BitmapTarget::create(void* data, size_t width, siz
     bool little = hostIsLittleEndian();
     bool aligned = bytesPerRow % 4 == 0 && reinterpret_cast<uintptr_t>(data) % 4 == 0;
     cairo_format_t cf = CAIRO_FORMAT_ARGB32;
-    bool direct = false;
+    Mode mode = Mode::Scratch;
     if (kind == Kind::RGB32) {
         bool first = ai == AlphaInfo::PremultipliedFirst || ai == AlphaInfo::NoneSkipFirst;
         bool swapped = order == kByteOrder32Little;
@@ -90,31 +97,39 @@ std::shared_ptr<BitmapTarget> BitmapTarget::create(void* data, size_t width, siz
         t->idxB_ = at(slotR + 2);
         t->hasAlpha_ = ai == AlphaInfo::PremultipliedFirst || ai == AlphaInfo::PremultipliedLast;
         cf = t->hasAlpha_ ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
-        // cairo's pixel is a native 32-bit A R G B word.
-        direct = first && swapped == little && aligned;
+        // cairo's pixel is a native 32-bit word A R G B: in memory B G R A on
+        // a little-endian host. R G B A is the same with red and blue swapped.
+        int memA = little ? 3 : 0, memR = little ? 2 : 1, memB = little ? 0 : 3;
+        if (aligned && t->idxA_ == memA && t->idxG_ == (little ? 1 : 2)) {
+            if (t->idxR_ == memR && t->idxB_ == memB)
+                mode = Mode::Direct;
+            else if (t->idxR_ == memB && t->idxB_ == memR)
+                mode = Mode::Swapped;
+        }
     } else if (kind == Kind::Alpha) {
         cf = CAIRO_FORMAT_A8;
-        direct = aligned;
+        if (aligned) mode = Mode::Direct;
     } else {
         cf = CAIRO_FORMAT_RGB24;
     }
+    t->mode_ = mode;
 
     int w = static_cast<int>(width), h = static_cast<int>(height);
-    if (direct) {
+    if (mode != Mode::Scratch) {
         t->surface_ = cairo_image_surface_create_for_data(static_cast<unsigned char*>(data), cf, w, h,
                                                           static_cast<int>(bytesPerRow));
     } else {
-        t->scratch_ = true;
         t->surface_ = cairo_image_surface_create(cf, w, h);
     }
     if (cairo_surface_status(t->surface_) != CAIRO_STATUS_SUCCESS) return nullptr;
     t->cr_ = cairo_create(t->surface_);
     if (cairo_status(t->cr_) != CAIRO_STATUS_SUCCESS) return nullptr;
-    if (t->scratch_) t->reload();
+    if (mode == Mode::Scratch) t->fromBuffer(t->surface_, 0, height);
     return t;
 }
 
 BitmapTarget::~BitmapTarget() {
+    if (foreign_) cairo_surface_destroy(foreign_);
     if (cr_) cairo_destroy(cr_);
     if (surface_) cairo_surface_destroy(surface_);
 }
@@ -124,29 +139,70 @@ AffineTransform BitmapTarget::baseTransform() const {
 }
 
 void BitmapTarget::willDraw() {
-    if (scratch_)
-        reload();
-    else
+    if (!stale_) return;
+    stale_ = false;
+    if (mode_ == Mode::Scratch) {
+        flush();  // what was drawn but not yet written must not be lost
+        fromBuffer(surface_, 0, format_.height);
+    } else {
         cairo_surface_mark_dirty(surface_);
+    }
 }
 
-void BitmapTarget::didDraw() { flush(); }
-
-void BitmapTarget::reload() {
-    if (!scratch_) {
-        cairo_surface_mark_dirty(surface_);
+void BitmapTarget::didDraw(const Rect* touched) {
+    if (mode_ != Mode::Scratch) return;
+    if (!touched) {
+        markDirty(0, format_.height);
         return;
     }
+    double top = std::max(0.0, std::floor(touched->minY()));
+    double bottom = std::min(static_cast<double>(format_.height), std::ceil(touched->maxY()));
+    if (!(bottom > top)) return;
+    markDirty(static_cast<size_t>(top), static_cast<size_t>(bottom));
+}
+
+void BitmapTarget::markDirty(size_t y0, size_t y1) {
+    if (dirtyBottom_ <= dirtyTop_) {
+        dirtyTop_ = y0;
+        dirtyBottom_ = y1;
+    } else {
+        dirtyTop_ = std::min(dirtyTop_, y0);
+        dirtyBottom_ = std::max(dirtyBottom_, y1);
+    }
+}
+
+void BitmapTarget::swapRedBlueInPlace() {
+    if (mode_ != Mode::Swapped) return;
     cairo_surface_flush(surface_);
-    uint8_t* dst = cairo_image_surface_get_data(surface_);
-    int stride = cairo_image_surface_get_stride(surface_);
+    uint8_t* base = static_cast<uint8_t*>(data_);
+    for (size_t y = 0; y < format_.height; ++y) {
+        uint32_t* row = reinterpret_cast<uint32_t*>(base + y * format_.bytesPerRow);
+        for (size_t x = 0; x < format_.width; ++x) {
+            uint32_t v = row[x];
+            row[x] = (v & 0xFF00FF00u) | ((v >> 16) & 0xFFu) | ((v & 0xFFu) << 16);
+        }
+    }
+    cairo_surface_mark_dirty(surface_);
+}
+
+void BitmapTarget::fromBuffer(cairo_surface_t* surface, size_t y0, size_t y1) {
+    cairo_surface_flush(surface);
+    uint8_t* dst = cairo_image_surface_get_data(surface);
+    size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    bool a8 = cairo_image_surface_get_format(surface) == CAIRO_FORMAT_A8;
     const uint8_t* src = static_cast<const uint8_t*>(data_);
     size_t w = format_.width;
-    for (size_t y = 0; y < format_.height; ++y) {
+    for (size_t y = y0; y < y1; ++y) {
         const uint8_t* s = src + y * format_.bytesPerRow;
         uint8_t* d = dst + y * stride;
         switch (kind_) {
-            case Kind::Alpha: std::memcpy(d, s, w); break;
+            case Kind::Alpha:
+                if (a8) {
+                    std::memcpy(d, s, w);
+                } else {
+                    for (size_t x = 0; x < w; ++x) storeNative(d + 4 * x, uint32_t(s[x]) << 24);
+                }
+                break;
             case Kind::Gray:
                 for (size_t x = 0; x < w; ++x) {
                     uint32_t v = s[x];
@@ -164,21 +220,27 @@ void BitmapTarget::reload() {
                 break;
         }
     }
-    cairo_surface_mark_dirty(surface_);
+    cairo_surface_mark_dirty(surface);
 }
 
-void BitmapTarget::flush() {
-    cairo_surface_flush(surface_);
-    if (!scratch_) return;
-    const uint8_t* src = cairo_image_surface_get_data(surface_);
-    int stride = cairo_image_surface_get_stride(surface_);
+void BitmapTarget::toBuffer(cairo_surface_t* surface, size_t y0, size_t y1) {
+    cairo_surface_flush(surface);
+    const uint8_t* src = cairo_image_surface_get_data(surface);
+    size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    bool a8 = cairo_image_surface_get_format(surface) == CAIRO_FORMAT_A8;
     uint8_t* dst = static_cast<uint8_t*>(data_);
     size_t w = format_.width;
-    for (size_t y = 0; y < format_.height; ++y) {
+    for (size_t y = y0; y < y1; ++y) {
         const uint8_t* s = src + y * stride;
         uint8_t* d = dst + y * format_.bytesPerRow;
         switch (kind_) {
-            case Kind::Alpha: std::memcpy(d, s, w); break;
+            case Kind::Alpha:
+                if (a8) {
+                    std::memcpy(d, s, w);
+                } else {
+                    for (size_t x = 0; x < w; ++x) d[x] = static_cast<uint8_t>(loadNative(s + 4 * x) >> 24);
+                }
+                break;
             case Kind::Gray:
                 for (size_t x = 0; x < w; ++x) {
                     uint32_t v = loadNative(s + 4 * x);
@@ -200,9 +262,51 @@ void BitmapTarget::flush() {
     }
 }
 
+void BitmapTarget::flush() {
+    cairo_surface_flush(surface_);
+    if (foreign_) {
+        toBuffer(foreign_, 0, format_.height);
+        return;
+    }
+    if (mode_ != Mode::Scratch) return;
+    if (foreignDepth_ > 0) markDirty(0, format_.height);  // AppKit draws anywhere
+    if (dirtyBottom_ > dirtyTop_) toBuffer(surface_, dirtyTop_, dirtyBottom_);
+    dirtyTop_ = dirtyBottom_ = 0;
+}
+
+cairo_surface_t* BitmapTarget::beginForeignDrawing() {
+    if (foreignDepth_++ > 0) return foreign_ ? foreign_ : surface_;
+    willDraw();
+    if (mode_ != Mode::Swapped) return surface_;
+    cairo_surface_flush(surface_);
+    foreign_ = cairo_image_surface_create(hasAlpha_ ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24,
+                                          static_cast<int>(format_.width), static_cast<int>(format_.height));
+    if (cairo_surface_status(foreign_) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(foreign_);
+        foreign_ = nullptr;
+        --foreignDepth_;
+        return nullptr;
+    }
+    fromBuffer(foreign_, 0, format_.height);
+    return foreign_;
+}
+
+void BitmapTarget::endForeignDrawing() {
+    if (foreignDepth_ == 0 || --foreignDepth_ > 0) return;
+    if (foreign_) {
+        toBuffer(foreign_, 0, format_.height);
+        cairo_surface_destroy(foreign_);
+        foreign_ = nullptr;
+        cairo_surface_mark_dirty(surface_);
+        return;
+    }
+    if (mode_ == Mode::Scratch) markDirty(0, format_.height);
+    flush();
+}
+
 Image* BitmapTarget::createImage() {
     flush();
-    return Image::create(format_, data_, format_.bytesPerRow * format_.height);
+    return Image::create(format_, data_, format_.fullLength());
 }
 
 std::unique_ptr<Context> makeBitmapContext(const std::shared_ptr<BitmapTarget>& target) {

@@ -4,7 +4,7 @@ namespace talvo::quartz {
 
 void appendPathToCairo(cairo_t* cr, const Path& path) {
     Point cur{}, start{};
-    path.apply([&](const PathElement& e) {
+    path.visit([&](const PathElement& e) {
         switch (e.type) {
             case PathElementType::MoveToPoint:
                 cur = start = e.points[0];

@@ -14,7 +14,9 @@
 // bitmap of height H uses the base [1 0 0 -1 0 H]. The current path is kept
 // in Quartz device space, so points take the CTM in force when they are
 // added, as in Quartz. Shadow offsets and blur are in Quartz device space
-// (unaffected by the CTM, y up); the blur is a Gaussian with sigma = blur/2.
+// (unaffected by the CTM, y up); the blur is a Gaussian with sigma = blur/2,
+// held to at most 256 (larger values draw as 256), and the shadow's cost
+// grows with the shape's area plus the blur, not with the surface's.
 //
 // Compositing: an operation's source (colour or image, with the global
 // alpha folded in) is composited through its coverage (the shape), the
@@ -25,15 +27,29 @@
 // SourceOut, DestinationIn, DestinationAtop) the layer's coverage is the
 // bounding box of shape and shadow.
 //
-// Not covered: patterns, shadings and gradients, text, colour spaces beyond
-// device RGB/gray, rendering intent, PDF and transparency layers, hairline
-// (zero-width) strokes, flatness, font smoothing. Every call is safe when
-// the provider has no cairo_t: drawing calls then return false.
+// Cost: an operation touches only its own device bounds. Layers (for a
+// shadow, a mask clip or a blend mode cairo applies unbounded) are cairo
+// groups clipped to those bounds, and a shadow blurs a scratch the size of
+// the shape plus three sigma, never the whole clip. A plain fill or stroke
+// is one cairo fill or stroke, between a cairo save and restore on a
+// borrowed cairo_t and with none on one the provider owns; nothing is
+// allocated for it beyond what cairo itself does.
+//
+// Gradients: linear and radial, drawn through cairo gradient patterns in
+// the clip. Extending before the start and after the end is exact for
+// linear gradients; for radial gradients one-sided extension draws both
+// sides (cairo pads both ends or neither).
+//
+// Not covered: patterns, text, colour spaces beyond device RGB/gray,
+// rendering intent, PDF and transparency layers, hairline (zero-width)
+// strokes, flatness, font smoothing. Every call is safe when the provider
+// has no cairo_t: drawing calls then return false.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <cairo.h>
@@ -50,8 +66,27 @@ public:
     // The cairo_t to draw into now, or null to skip drawing.
     virtual cairo_t* currentCairo() = 0;
     // Bracket every drawing operation (e.g. to sync a scratch buffer).
+    // `touched` is the operation's bounds in cairo device space (pixels,
+    // top row first), or null when unknown.
     virtual void willDraw() {}
-    virtual void didDraw() {}
+    virtual void didDraw(const Rect* touched) { (void)touched; }
+    // True when the surface stores red where cairo writes blue and the
+    // reverse (an RGBA buffer drawn as cairo's ARGB): the engine then
+    // swaps red and blue in every colour, image and gradient it draws.
+    virtual bool swapsRedBlue() const { return false; }
+    // Swaps red and blue in place over the whole surface, for the blend
+    // modes that are not symmetric in red and blue (hue, saturation,
+    // colour, luminosity): called before and after such an operation.
+    virtual void swapRedBlueInPlace() {}
+    // True when nobody else draws with the cairo_t: the engine then resets
+    // what it changed instead of saving and restoring the whole state.
+    virtual bool ownsCairo() const { return false; }
+};
+
+// One colour stop of a gradient (location 0...1).
+struct GradientStop {
+    double location = 0;
+    Color color;
 };
 
 // Adapts a plain function (the GNUstep bridge's "current cairo_t").
@@ -152,6 +187,18 @@ public:
     // Upright in a y-up space: the image's top row at the top of `rect`.
     // An image mask paints the fill colour through the mask.
     bool drawImage(const Rect& rect, Image* image);
+    // Fills the clip with a gradient from `start` to `end` (user space).
+    // Stops are sorted by location; extending paints the end colours beyond
+    // the ends.
+    bool drawLinearGradient(const GradientStop* stops, size_t count, Point start, Point end,
+                            bool extendStart, bool extendEnd);
+    bool drawRadialGradient(const GradientStop* stops, size_t count, Point startCenter,
+                            double startRadius, Point endCenter, double endRadius,
+                            bool extendStart, bool extendEnd);
+    // Composites `pattern` (cairo device space, not swapped: true colours)
+    // inside `deviceBounds` with the whole state, as one object: what the
+    // AppKit bridge uses to lay AppKit's own drawing in with Quartz effects.
+    bool drawDevicePattern(cairo_pattern_t* pattern, const Rect& deviceBounds);
 
     // --- Clipping (accumulates; saved and restored with the state) --------
     // Consumes the current path; an empty path clips everything away.
@@ -164,6 +211,9 @@ public:
     bool clipToMask(const Rect& rect, Image* image);
     // User-space bounds of the clip (path clips and mask rectangles).
     Rect clipBoundingBox() const;
+    // Drops every clip path and mask of the current state (the AppKit
+    // bridge reloads the state it keeps elsewhere before each drawing).
+    void resetClip();
 
 private:
     struct Part;
@@ -175,13 +225,20 @@ private:
     const GState& state() const;
     AffineTransform userToCairo() const;
 
-    Part fillPart(std::shared_ptr<const Path> devicePath, FillRule rule) const;
-    Part strokePart(std::shared_ptr<const Path> devicePath) const;
-    bool render(const std::vector<Part>& parts, bool clearing);
+    bool render(const Part* parts, size_t count, bool clearing);
+    bool renderGradient(cairo_pattern_t* gradient, const GradientStop* stops, size_t count,
+                        bool extendStart, bool extendEnd, const Path* halfPlanes);
+    // The part's paint (the caller destroys it) and its coverage.
+    cairo_pattern_t* partSource(cairo_t* cr, const Part& part, bool swap, bool alphaInCover) const;
+    void partCover(cairo_t* cr, const Part& part, bool alphaInCover) const;
+    // Conservative bounds of what the part paints, cairo device space.
+    Rect partBounds(const Part& part, const Rect& clipBox) const;
     void applyPathClips(cairo_t* cr) const;
-    cairo_pattern_t* buildShadowLayer(cairo_t* cr, const std::vector<Part>& parts, Rect* box) const;
+    cairo_pattern_t* buildShadowLayer(cairo_t* cr, const Part* parts, size_t count,
+                                      const Rect& shapeBounds, const Rect& clipBox, bool swap,
+                                      cairo_operator_t op, bool direct) const;
     cairo_pattern_t* maskClipPattern(cairo_t* cr, const ClipMask& m) const;
-    std::shared_ptr<const Path> takePath();
+    void clipToMaskDirect(cairo_t* cr, const ClipMask& m, cairo_pattern_t** pattern) const;
 
     std::shared_ptr<CairoProvider> provider_;
     AffineTransform base_;

@@ -5,6 +5,12 @@
 
 namespace talvo::quartz {
 
+bool Point::isFinite() const { return std::isfinite(x) && std::isfinite(y); }
+
+bool Rect::isFinite() const {
+    return origin.isFinite() && std::isfinite(size.width) && std::isfinite(size.height);
+}
+
 double Rect::minX() const { return size.width < 0 ? origin.x + size.width : origin.x; }
 double Rect::minY() const { return size.height < 0 ? origin.y + size.height : origin.y; }
 double Rect::maxX() const { return size.width < 0 ? origin.x : origin.x + size.width; }
@@ -17,6 +23,7 @@ bool Rect::contains(Point p) const {
 Rect Rect::standardized() const { return make(minX(), minY(), width(), height()); }
 
 Rect Rect::integral() const {
+    if (!isFinite()) return Rect{};
     if (isEmpty()) return standardized();
     double x0 = std::floor(minX()), y0 = std::floor(minY());
     double x1 = std::ceil(maxX()), y1 = std::ceil(maxY());
@@ -24,6 +31,7 @@ Rect Rect::integral() const {
 }
 
 Rect Rect::intersection(const Rect& o) const {
+    if (!isFinite() || !o.isFinite()) return Rect{};
     double x0 = std::max(minX(), o.minX()), y0 = std::max(minY(), o.minY());
     double x1 = std::min(maxX(), o.maxX()), y1 = std::min(maxY(), o.maxY());
     if (x1 <= x0 || y1 <= y0) return Rect{};
@@ -31,7 +39,7 @@ Rect Rect::intersection(const Rect& o) const {
 }
 
 Rect Rect::unionWith(const Rect& o) const {
-    if (isEmpty()) return o.standardized();
+    if (isEmpty()) return o.isFinite() ? o.standardized() : Rect{};
     if (o.isEmpty()) return standardized();
     double x0 = std::min(minX(), o.minX()), y0 = std::min(minY(), o.minY());
     double x1 = std::max(maxX(), o.maxX()), y1 = std::max(maxY(), o.maxY());

@@ -10,6 +10,8 @@ namespace talvo::quartz {
 struct Point {
     double x = 0;
     double y = 0;
+
+    bool isFinite() const;
 };
 
 struct Size {
@@ -38,7 +40,10 @@ struct Rect {
     double width() const { return maxX() - minX(); }
     double height() const { return maxY() - minY(); }
 
-    bool isEmpty() const { return !(size.width != 0 && size.height != 0); }
+    // Non-finite rectangles (NaN or infinite in any field) count as empty,
+    // so no caller ever turns their edges into integers.
+    bool isEmpty() const { return !(size.width != 0 && size.height != 0) || !isFinite(); }
+    bool isFinite() const;
     bool contains(Point p) const;
     Rect standardized() const;
     // Smallest rectangle with integral edges containing this one.

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "platform/CoreGraphics/engine/Checked.hpp"
+
 namespace talvo::quartz {
 
 size_t PixelFormat::colorComponents() const {
@@ -32,7 +34,16 @@ bool PixelFormat::alphaIsPremultiplied() const {
 
 size_t PixelFormat::minimumLength() const {
     if (width == 0 || height == 0) return 0;
-    return (height - 1) * bytesPerRow + (width * bitsPerPixel + 7) / 8;
+    size_t bits, total;
+    if (!checkedMul(width, bitsPerPixel, &bits) || !checkedAdd(bits, 7, &bits) ||
+        !checkedMulAdd(height - 1, bytesPerRow, bits / 8, &total))
+        return SIZE_MAX;  // no buffer is that long: every length check fails
+    return total;
+}
+
+size_t PixelFormat::fullLength() const {
+    size_t total;
+    return checkedMul(bytesPerRow, height, &total) ? total : SIZE_MAX;
 }
 
 namespace {
@@ -106,8 +117,11 @@ bool Image::validate(const PixelFormat& f, bool mask) {
             break;
         default: return false;
     }
-    if (f.bytesPerRow * 8 < f.width * bpp) return false;
-    return true;
+    // Row length and the whole layout, without wrapping around 2^64.
+    size_t rowBits, usedBits;
+    if (!checkedMul(f.bytesPerRow, 8, &rowBits) || !checkedMul(f.width, bpp, &usedBits)) return false;
+    if (rowBits < usedBits) return false;
+    return f.minimumLength() != SIZE_MAX;
 }
 
 Image::Image(const PixelFormat& f, std::vector<uint8_t>&& bytes, bool mask, bool interpolate)
@@ -115,6 +129,7 @@ Image::Image(const PixelFormat& f, std::vector<uint8_t>&& bytes, bool mask, bool
 
 Image::~Image() {
     if (argb_) cairo_surface_destroy(argb_);
+    if (argbSwapped_) cairo_surface_destroy(argbSwapped_);
     if (mask_) cairo_surface_destroy(mask_);
 }
 
@@ -122,7 +137,7 @@ Image* Image::create(const PixelFormat& format, const void* bytes, size_t length
                      bool shouldInterpolate) {
     if (!bytes || !validate(format, false) || length < format.minimumLength()) return nullptr;
     try {
-        size_t keep = std::min(length, format.bytesPerRow * format.height);
+        size_t keep = std::min(length, format.fullLength());
         const uint8_t* p = static_cast<const uint8_t*>(bytes);
         std::vector<uint8_t> copy(p, p + keep);
         return new Image(format, std::move(copy), false, shouldInterpolate);
@@ -149,7 +164,7 @@ Image* Image::createMask(size_t width, size_t height, size_t bpc, size_t bpp, si
     f.bitmapInfo = static_cast<uint32_t>(AlphaInfo::None);
     if (!bytes || !validate(f, true) || length < f.minimumLength()) return nullptr;
     try {
-        size_t keep = std::min(length, f.bytesPerRow * f.height);
+        size_t keep = std::min(length, f.fullLength());
         const uint8_t* p = static_cast<const uint8_t*>(bytes);
         std::vector<uint8_t> copy(p, p + keep);
         return new Image(f, std::move(copy), true, shouldInterpolate);
@@ -159,18 +174,23 @@ Image* Image::createMask(size_t width, size_t height, size_t bpc, size_t bpp, si
 }
 
 Image* Image::createWithImageInRect(const Rect& rect) const {
+    // Non-finite rectangles are empty (Rect::integral/intersection), so the
+    // edges below are whole numbers inside the image.
     Rect r = rect.standardized().integral().intersection(
         Rect::make(0, 0, static_cast<double>(width()), static_cast<double>(height())));
-    if (r.isEmpty()) return nullptr;
+    if (r.isEmpty() || !(r.minX() >= 0) || !(r.minY() >= 0)) return nullptr;
     size_t x0 = static_cast<size_t>(r.minX()), y0 = static_cast<size_t>(r.minY());
     size_t w = static_cast<size_t>(r.width()), h = static_cast<size_t>(r.height());
     size_t bpp = format_.bitsPerPixel;
     PixelFormat f = format_;
     f.width = w;
     f.height = h;
-    f.bytesPerRow = (w * bpp + 7) / 8;
+    size_t rowBits, total;
+    if (!checkedMul(w, bpp, &rowBits) || !checkedAdd(rowBits, 7, &rowBits)) return nullptr;
+    f.bytesPerRow = rowBits / 8;
+    if (!checkedMul(f.bytesPerRow, h, &total)) return nullptr;
     try {
-        std::vector<uint8_t> out(f.bytesPerRow * h, 0);
+        std::vector<uint8_t> out(total, 0);
         for (size_t y = 0; y < h; ++y) {
             const uint8_t* src = bytes_.data() + (y0 + y) * format_.bytesPerRow;
             uint8_t* dst = out.data() + y * f.bytesPerRow;
@@ -221,9 +241,11 @@ unsigned Image::sample(size_t x, size_t y, size_t slot) const {
     return v * 255 / maxv;
 }
 
-cairo_surface_t* Image::cairoSurface() const {
+cairo_surface_t* Image::cairoSurface(bool swapRedBlue) const {
     std::lock_guard<std::mutex> lock(cacheLock_);
-    if (argb_) return argb_;
+    cairo_surface_t*& cache = swapRedBlue ? argbSwapped_ : argb_;
+    if (cache) return cache;
+    if (!surfaceSizeAllowed(width(), height(), 4)) return nullptr;
     int w = static_cast<int>(width()), h = static_cast<int>(height());
     cairo_surface_t* s = newWritableSurface(CAIRO_FORMAT_ARGB32, w, h);
     if (!s) return nullptr;
@@ -254,17 +276,19 @@ cairo_surface_t* Image::cairoSurface() const {
                     r = premultiply(r, a), g = premultiply(g, a), b = premultiply(b, a);
                 }
             }
+            if (swapRedBlue) std::swap(r, b);
             px[x] = (a << 24) | (r << 16) | (g << 8) | b;
         }
     }
     cairo_surface_mark_dirty(s);
-    argb_ = s;
-    return argb_;
+    cache = s;
+    return cache;
 }
 
 cairo_surface_t* Image::maskSurface() const {
     std::lock_guard<std::mutex> lock(cacheLock_);
     if (mask_) return mask_;
+    if (!surfaceSizeAllowed(width(), height(), 1)) return nullptr;
     int w = static_cast<int>(width()), h = static_cast<int>(height());
     cairo_surface_t* s = newWritableSurface(CAIRO_FORMAT_A8, w, h);
     if (!s) return nullptr;

@@ -70,8 +70,11 @@ struct PixelFormat {
     size_t slots() const;
     bool hasAlpha() const;
     bool alphaIsPremultiplied() const;
-    // Bytes the last row actually needs.
+    // Bytes up to the end of the last row's pixels; SIZE_MAX when that does
+    // not fit in size_t (so every length check against it fails).
     size_t minimumLength() const;
+    // bytesPerRow * height, SIZE_MAX on overflow.
+    size_t fullLength() const;
 };
 
 class Image {
@@ -114,8 +117,10 @@ public:
     size_t dataLength() const { return bytes_.size(); }
 
     // Premultiplied native-endian ARGB32, built once and cached; owned by
-    // the image (do not destroy). Null if cairo could not allocate it.
-    cairo_surface_t* cairoSurface() const;
+    // the image (do not destroy). Null if cairo could not allocate it or
+    // the image is beyond kMaxSurfaceSide. `swapRedBlue` gives a second
+    // cached copy with red and blue exchanged, for targets that store RGBA.
+    cairo_surface_t* cairoSurface(bool swapRedBlue = false) const;
     // A8 coverage for masking, built once and cached: for an image mask
     // 1 - sample; for an image with alpha its alpha; for gray without alpha
     // the gray level (white lets paint in); for RGB without alpha the
@@ -141,6 +146,7 @@ private:
 
     mutable std::mutex cacheLock_;
     mutable cairo_surface_t* argb_ = nullptr;
+    mutable cairo_surface_t* argbSwapped_ = nullptr;
     mutable cairo_surface_t* mask_ = nullptr;
 };
 

@@ -63,8 +63,11 @@ void Path::push(PathElementType t, std::initializer_list<Point> pts) {
     points_.insert(points_.end(), pts.begin(), pts.end());
 }
 
+// Non-finite points are refused: the element is not added, so nothing
+// downstream (cairo, bounds, rasterising) ever sees a NaN or an infinity.
 void Path::moveTo(Point p, const AffineTransform& m) {
     Point q = m.apply(p);
+    if (!q.isFinite()) return;
     push(PathElementType::MoveToPoint, {q});
     current_ = subpathStart_ = q;
     hasCurrent_ = true;
@@ -73,21 +76,24 @@ void Path::moveTo(Point p, const AffineTransform& m) {
 void Path::lineTo(Point p, const AffineTransform& m) {
     if (!hasCurrent_) return;
     Point q = m.apply(p);
+    if (!q.isFinite()) return;
     push(PathElementType::AddLineToPoint, {q});
     current_ = q;
 }
 
 void Path::quadCurveTo(Point cp, Point p, const AffineTransform& m) {
     if (!hasCurrent_) return;
-    Point q = m.apply(p);
-    push(PathElementType::AddQuadCurveToPoint, {m.apply(cp), q});
+    Point q = m.apply(p), c = m.apply(cp);
+    if (!q.isFinite() || !c.isFinite()) return;
+    push(PathElementType::AddQuadCurveToPoint, {c, q});
     current_ = q;
 }
 
 void Path::curveTo(Point cp1, Point cp2, Point p, const AffineTransform& m) {
     if (!hasCurrent_) return;
-    Point q = m.apply(p);
-    push(PathElementType::AddCurveToPoint, {m.apply(cp1), m.apply(cp2), q});
+    Point q = m.apply(p), c1 = m.apply(cp1), c2 = m.apply(cp2);
+    if (!q.isFinite() || !c1.isFinite() || !c2.isFinite()) return;
+    push(PathElementType::AddCurveToPoint, {c1, c2, q});
     current_ = q;
 }
 
@@ -98,6 +104,7 @@ void Path::closeSubpath() {
 }
 
 void Path::addRect(const Rect& r, const AffineTransform& m) {
+    if (!r.isFinite()) return;
     moveTo({r.minX(), r.minY()}, m);
     lineTo({r.maxX(), r.minY()}, m);
     lineTo({r.maxX(), r.maxY()}, m);
@@ -106,6 +113,7 @@ void Path::addRect(const Rect& r, const AffineTransform& m) {
 }
 
 void Path::addEllipseInRect(const Rect& r, const AffineTransform& m) {
+    if (!r.isFinite()) return;
     double x0 = r.minX(), x1 = r.maxX(), y0 = r.minY(), y1 = r.maxY();
     double mx = r.midX(), my = r.midY();
     double kx = (x1 - x0) / 2 * kKappa, ky = (y1 - y0) / 2 * kKappa;
@@ -118,6 +126,9 @@ void Path::addEllipseInRect(const Rect& r, const AffineTransform& m) {
 }
 
 void Path::addRoundedRect(const Rect& r, double cw, double ch, const AffineTransform& m) {
+    if (!r.isFinite()) return;
+    if (!std::isfinite(cw)) cw = 0;
+    if (!std::isfinite(ch)) ch = 0;
     double x0 = r.minX(), x1 = r.maxX(), y0 = r.minY(), y1 = r.maxY();
     cw = std::min(std::max(cw, 0.0), (x1 - x0) / 2);
     ch = std::min(std::max(ch, 0.0), (y1 - y0) / 2);
@@ -140,6 +151,8 @@ void Path::addRoundedRect(const Rect& r, double cw, double ch, const AffineTrans
 
 void Path::appendArcSegments(Point c, double radius, double start, double sweep,
                              const AffineTransform& m) {
+    if (!std::isfinite(sweep) || !std::isfinite(start) || !std::isfinite(radius) || !c.isFinite())
+        return;
     int segments = std::max(1, static_cast<int>(std::ceil(std::fabs(sweep) / (kPi / 2) - 1e-9)));
     double step = sweep / segments;
     double k = 4.0 / 3.0 * std::tan(step / 4);
@@ -158,7 +171,9 @@ void Path::appendArcSegments(Point c, double radius, double start, double sweep,
 
 void Path::addArc(Point c, double radius, double startAngle, double endAngle, bool clockwise,
                   const AffineTransform& m) {
-    if (!(radius >= 0) || !std::isfinite(startAngle) || !std::isfinite(endAngle)) return;
+    if (!(radius >= 0) || !std::isfinite(radius) || !c.isFinite() || !std::isfinite(startAngle) ||
+        !std::isfinite(endAngle))
+        return;
     double sweep = endAngle - startAngle;
     if (!clockwise) {
         if (sweep < 0) {
@@ -182,14 +197,15 @@ void Path::addArc(Point c, double radius, double startAngle, double endAngle, bo
 }
 
 void Path::addArcToPoint(Point p1, Point p2, double radius, const AffineTransform& m) {
-    if (!hasCurrent_) return;
+    if (!hasCurrent_ || std::isnan(radius) || !p1.isFinite() || !p2.isFinite()) return;
     AffineTransform inv;
     if (!m.invert(&inv)) return;
     Point p0 = inv.apply(current_);
     double v1x = p0.x - p1.x, v1y = p0.y - p1.y, v2x = p2.x - p1.x, v2y = p2.y - p1.y;
     double l1 = std::hypot(v1x, v1y), l2 = std::hypot(v2x, v2y);
     double cross = v1x * v2y - v1y * v2x;
-    if (radius <= 0 || l1 == 0 || l2 == 0 || std::fabs(cross) < 1e-12 * l1 * l2) {
+    if (radius <= 0 || !std::isfinite(radius) || !(l1 > 0) || !(l2 > 0) || !std::isfinite(cross) ||
+        std::fabs(cross) < 1e-12 * l1 * l2) {
         lineTo(p1, m);
         return;
     }

@@ -67,6 +67,19 @@ public:
 
     Path transformed(const AffineTransform& m) const;
     void apply(const Visitor& visitor) const;
+    // As apply(), without the std::function: for the engine's hot loops.
+    template <typename F>
+    void visit(F&& f) const {
+        size_t pi = 0;
+        for (PathElementType t : types_) {
+            size_t n = t == PathElementType::AddCurveToPoint       ? 3
+                       : t == PathElementType::AddQuadCurveToPoint ? 2
+                       : t == PathElementType::CloseSubpath        ? 0
+                                                                   : 1;
+            f(PathElement{t, n ? &points_[pi] : nullptr});
+            pi += n;
+        }
+    }
 
     friend bool operator==(const Path& a, const Path& b);
 

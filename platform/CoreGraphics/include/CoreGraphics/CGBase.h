@@ -29,6 +29,7 @@
 typedef const void *CFTypeRef;
 typedef const struct __CFData *CFDataRef;        // NSData *
 typedef const struct __CFString *CFStringRef;    // NSString *
+typedef const struct __CFArray *CFArrayRef;      // NSArray *
 typedef long CFIndex;
 
 // Retain and release for the toll-free CF types above (NULL is ignored).

@@ -16,7 +16,9 @@
  * is a Gaussian with sigma = blur / 2. Blend modes are bounded by the drawn
  * shape. kCGBlendModePlusDarker is drawn as Multiply.
  *
- * Not covered: patterns, shadings and CGGradient, text (CGContextShowText
+ * Gradients and shadings fill the clip (see CGGradient.h, CGShading.h).
+ *
+ * Not covered: patterns, text (CGContextShowText
  * and friends), PDF contexts and pages, transparency layers, CGLayer,
  * rendering intent, flatness, font smoothing, hairline (zero-width)
  * strokes. A bitmap context's clip set before it is wrapped by
@@ -28,7 +30,9 @@
 
 #include <CoreGraphics/CGAffineTransform.h>
 #include <CoreGraphics/CGColor.h>
+#include <CoreGraphics/CGGradient.h>
 #include <CoreGraphics/CGImage.h>
+#include <CoreGraphics/CGShading.h>
 #include <CoreGraphics/CGPath.h>
 
 // GNUstep's <AppKit/NSGraphicsContext.h> declares the same type.
@@ -152,6 +156,15 @@ CG_EXTERN void CGContextStrokeEllipseInRect(CGContextRef c, CGRect rect);
 CG_EXTERN void CGContextStrokeLineSegments(CGContextRef c, const CGPoint *points, size_t count);
 // Upright in a y-up space; an image mask paints the fill colour.
 CG_EXTERN void CGContextDrawImage(CGContextRef c, CGRect rect, CGImageRef image);
+// Fill the clip; points and radii in user space.
+CG_EXTERN void CGContextDrawLinearGradient(CGContextRef c, CGGradientRef gradient,
+                                           CGPoint startPoint, CGPoint endPoint,
+                                           CGGradientDrawingOptions options);
+CG_EXTERN void CGContextDrawRadialGradient(CGContextRef c, CGGradientRef gradient,
+                                           CGPoint startCenter, CGFloat startRadius,
+                                           CGPoint endCenter, CGFloat endRadius,
+                                           CGGradientDrawingOptions options);
+CG_EXTERN void CGContextDrawShading(CGContextRef c, CGShadingRef shading);
 
 CG_EXTERN void CGContextClip(CGContextRef c);
 CG_EXTERN void CGContextEOClip(CGContextRef c);

@@ -135,6 +135,30 @@ struct CGImage {
   CGDataProviderRef provider = nullptr;   // owned, made on demand
 };
 
+struct CGGradient {
+  std::atomic<long> refs{1};
+  std::vector<talvo::quartz::GradientStop> stops;
+};
+
+struct CGFunction {
+  std::atomic<long> refs{1};
+  void *info = nullptr;
+  CGFunctionCallbacks callbacks = {0, nullptr, nullptr};
+  CGFloat domain[2] = {0, 1};
+  std::vector<CGFloat> range;  // 2 per output, empty: unclamped
+  size_t outputs = 0;
+};
+
+struct CGShading {
+  std::atomic<long> refs{1};
+  bool radial = false;
+  CGPoint start = {0, 0}, end = {0, 0};
+  CGFloat startRadius = 0, endRadius = 0;
+  bool extendStart = false, extendEnd = false;
+  CGColorSpaceRef space = nullptr;  // owned
+  CGFunctionRef function = nullptr;  // owned
+};
+
 struct CGPath {
   std::atomic<long> refs{1};
   talvo::quartz::Path path;
@@ -163,6 +187,8 @@ bool TVCGContextIsLive(const void *pointer);
 // memory up to date).
 void TVCGContextSetBridge(CGContextRef c, std::unique_ptr<talvo::cg::Bridge> bridge);
 talvo::quartz::Color TVCGColorToQuartz(CGColorRef color);
+// The shading's function sampled into colour stops along its axis.
+std::vector<talvo::quartz::GradientStop> TVCGShadingSample(CGShadingRef shading);
 
 #endif  // __cplusplus
 

@@ -2,8 +2,8 @@
  * <CoreGraphics/CoreGraphics.h> for Talvo on GNUstep: Talvo's stand-in for
  * Apple's Core Graphics, drawing with cairo through GNUstep's own graphics
  * state. Each header says what it does not cover. Not provided at all:
- * CGGradient, CGShading, CGPattern, CGFont and text drawing, CGPDF*,
- * CGLayer, CGFunction, CGDisplay and window-server APIs.
+ * CGPattern, CGFont and text drawing, CGPDF*, CGLayer, CGDisplay and
+ * window-server APIs.
  */
 #ifndef TALVO_COREGRAPHICS_H
 #define TALVO_COREGRAPHICS_H
@@ -16,6 +16,9 @@
 #include <CoreGraphics/CGDataProvider.h>
 #include <CoreGraphics/CGImage.h>
 #include <CoreGraphics/CGPath.h>
+#include <CoreGraphics/CGFunction.h>
+#include <CoreGraphics/CGGradient.h>
+#include <CoreGraphics/CGShading.h>
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGBitmapContext.h>
 

@@ -8,7 +8,9 @@
  * of a layer runs its action, as in Core Animation: the delegate's
  * -actionForLayer:forKey: (NSNull: none), then the `actions` dictionary,
  * then +defaultActionForKey:, which answers a basic animation from the
- * presented value over the transaction's duration. A view's backing layer
+ * presented value over the transaction's duration. A value found on the
+ * way that is neither an action nor NSNull counts as NSNull (no action, the
+ * change is made). A view's backing layer
  * has the view as delegate, which answers NSNull unless its animation
  * context allows implicit animation. +[CATransaction setDisableActions:]
  * turns actions off.

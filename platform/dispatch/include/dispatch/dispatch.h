@@ -8,6 +8,9 @@
  * default, modal-panel and event-tracking run-loop modes; dispatch_time on
  * the monotonic clock.
  *
+ * A NULL queue, block or predicate makes any of these functions do nothing
+ * (libdispatch crashes on them).
+ *
  * Not covered: concurrent and serial queues of one's own, global queues,
  * groups, semaphores, sources, I/O and wall-clock times
  * (dispatch_walltime). Blocks are only delivered while the main thread runs
