@@ -4,6 +4,7 @@
 #import <AppKit/AppKit.h>
 
 #include <cmath>
+#include <unordered_set>
 
 #import "platform/AppKit/autolayout/TVLayoutState.h"
 #import "platform/objc/TVRuntime.h"
@@ -11,6 +12,11 @@
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
+
+// A view's referencing constraints: plain pointers, never retained.
+struct TVConstraintSet {
+  std::unordered_set<_TVLayoutConstraint *> constraints;
+};
 
 @implementation _TVViewLayoutState
 
@@ -29,7 +35,7 @@
 
 - (void)dealloc {
   TVDestroyLayoutEngine(_engine);
-  [_referencingConstraints release];
+  delete _referencingConstraints;
   [_layoutGuides release];
   [_constraints release];
   [super dealloc];
@@ -298,14 +304,26 @@ void TVRegisterConstraintItems(NSLayoutConstraint *constraint) {
       continue;
     }
     _TVViewLayoutState *state = TVLayoutState(view, YES);
-    if (state->_referencingConstraints == nil) {
-      state->_referencingConstraints = [[NSHashTable alloc]
-          initWithOptions:NSPointerFunctionsOpaqueMemory | NSPointerFunctionsOpaquePersonality
-                 capacity:0];
+    if (state->_referencingConstraints == nullptr) {
+      state->_referencingConstraints = new TVConstraintSet();
     }
-    [state->_referencingConstraints addObject:constraint];
+    state->_referencingConstraints->constraints.insert(storage);
     storage->_registeredViews[i] = view;
   }
+}
+
+NSArray *TVConstraintsNamingView(NSView *view) {
+  _TVViewLayoutState *state = TVLayoutState(view, NO);
+  if (state == nil || state->_referencingConstraints == nullptr ||
+      state->_referencingConstraints->constraints.empty()) {
+    return [NSArray array];
+  }
+  NSMutableArray *constraints =
+      [NSMutableArray arrayWithCapacity:state->_referencingConstraints->constraints.size()];
+  for (_TVLayoutConstraint *constraint : state->_referencingConstraints->constraints) {
+    [constraints addObject:constraint];
+  }
+  return constraints;
 }
 
 void TVUnregisterConstraintItems(NSLayoutConstraint *constraint) {
@@ -316,7 +334,10 @@ void TVUnregisterConstraintItems(NSLayoutConstraint *constraint) {
   for (int i = 0; i < 2; i++) {
     NSView *view = storage->_registeredViews[i];
     if (view != nil) {
-      [TVLayoutState(view, NO)->_referencingConstraints removeObject:constraint];
+      _TVViewLayoutState *state = TVLayoutState(view, NO);
+      if (state != nil && state->_referencingConstraints != nullptr) {
+        state->_referencingConstraints->constraints.erase(storage);
+      }
       storage->_registeredViews[i] = nil;
     }
   }
@@ -350,7 +371,7 @@ static void TVViewDealloc(id view, SEL selector) {
   if (state != nil) {
     static Ivar firstSlot = class_getInstanceVariable([NSLayoutConstraint class], "_firstItem");
     static Ivar secondSlot = class_getInstanceVariable([NSLayoutConstraint class], "_secondItem");
-    for (_TVLayoutConstraint *constraint in [state->_referencingConstraints allObjects]) {
+    for (_TVLayoutConstraint *constraint in TVConstraintsNamingView(view)) {
       [constraint->_holder removeConstraint:constraint];
       constraint->_itemsGone = YES;
       for (int i = 0; i < 2; i++) {
@@ -366,7 +387,8 @@ static void TVViewDealloc(id view, SEL selector) {
         object_setIvar(constraint, secondSlot, nil);
       }
     }
-    [state->_referencingConstraints removeAllObjects];
+    delete state->_referencingConstraints;
+    state->_referencingConstraints = nullptr;
     object_setIvar(view, class_getInstanceVariable([NSView class], "_coreAnimationData"), nil);
     [state release];
   }

@@ -213,7 +213,11 @@ struct TVLayoutEngine {
     GeneratedConstraints intrinsic;
     bool stays = false;
     bool isGuide = false;
-    double suggested[4] = {0, 0, 0, 0};  // the stays' last suggestions
+    // The stays: edit variables on the leading and top edges and weak
+    // constraints on the size, so that a view moved by one edge keeps its
+    // size rather than its other edge.
+    Constraint widthStay, heightStay;
+    double suggested[4] = {0, 0, 0, 0};  // left, top, width, height
     // Read when the tree was last compared: where the alignment rect and
     // the baselines sit inside the frame.
     NSEdgeInsets alignment = {0, 0, 0, 0};
@@ -236,6 +240,8 @@ struct TVLayoutEngine {
   std::unordered_set<NSLayoutConstraint *> refused;
   // The frames the last solve computed, by parent, for layout to apply.
   FramesByParent framesToApply;
+  // Items dropped since the solver was made: their variables stay in it.
+  size_t droppedItems = 0;
 
   ~TVLayoutEngine() {
     for (auto &entry : participants) {
@@ -287,34 +293,56 @@ struct TVLayoutEngine {
       return;
     }
     const ItemVariables &v = participant.variables;
-    const Variable *edges[4] = {&v.left, &v.top, &v.right, &v.bottom};
-    for (int i = 0; i < 4; i++) {
-      if (on) {
-        // An edit starts out holding the variable's present value.
-        solver.addEditVariable(*edges[i], kStayStrength);
-        participant.suggested[i] = edges[i]->value();
-      } else {
-        solver.removeEditVariable(*edges[i]);
-      }
+    if (on) {
+      // An edit starts out holding the variable's present value.
+      solver.addEditVariable(v.left, kStayStrength);
+      solver.addEditVariable(v.top, kStayStrength);
+      double width = v.right.value() - v.left.value();
+      double height = v.bottom.value() - v.top.value();
+      participant.widthStay = Constraint::Make(v.width(), Relation::Equal, width, kStayStrength);
+      participant.heightStay =
+          Constraint::Make(v.height(), Relation::Equal, height, kStayStrength);
+      solver.addConstraint(participant.widthStay);
+      solver.addConstraint(participant.heightStay);
+      double values[4] = {v.left.value(), v.top.value(), width, height};
+      std::copy(values, values + 4, participant.suggested);
+    } else {
+      solver.removeEditVariable(v.left);
+      solver.removeEditVariable(v.top);
+      solver.removeConstraint(participant.widthStay);
+      solver.removeConstraint(participant.heightStay);
     }
     participant.stays = on;
   }
 
-  // The stays follow the solution, so that the next pass starts from it;
-  // only edges that moved cost a suggestion.
+  // Moves the stays to `values` (left, top, width, height); only what
+  // changed costs a solver step.
+  void MoveStays(Participant &participant, const double values[4]) {
+    const ItemVariables &v = participant.variables;
+    for (int i = 0; i < 4; i++) {
+      if (!std::isfinite(values[i]) || values[i] == participant.suggested[i]) {
+        continue;
+      }
+      switch (i) {
+        case 0: solver.suggestValue(v.left, values[i]); break;
+        case 1: solver.suggestValue(v.top, values[i]); break;
+        // The solver keeps lhs - rhs: the size enters negated.
+        case 2: solver.updateConstant(participant.widthStay, -values[i]); break;
+        case 3: solver.updateConstant(participant.heightStay, -values[i]); break;
+      }
+      participant.suggested[i] = values[i];
+    }
+  }
+
+  // The stays follow the solution, so that the next pass starts from it.
   void FollowWithStays(Participant &participant) {
     if (!participant.stays) {
       return;
     }
     const ItemVariables &v = participant.variables;
-    const Variable *edges[4] = {&v.left, &v.top, &v.right, &v.bottom};
-    for (int i = 0; i < 4; i++) {
-      double value = edges[i]->value();
-      if (value != participant.suggested[i]) {
-        solver.suggestValue(*edges[i], value);
-        participant.suggested[i] = value;
-      }
-    }
+    double values[4] = {v.left.value(), v.top.value(), v.right.value() - v.left.value(),
+                        v.bottom.value() - v.top.value()};
+    MoveStays(participant, values);
   }
 
   uint64_t VariablesId(id item) const {
@@ -477,14 +505,8 @@ void TVLayoutEngine::EdgesFromFrame(const Participant &participant, double edges
 void TVLayoutEngine::SuggestFrame(Participant &participant) {
   double edges[4];
   EdgesFromFrame(participant, edges);
-  const ItemVariables &v = participant.variables;
-  const Variable *variables[4] = {&v.left, &v.top, &v.right, &v.bottom};
-  for (int i = 0; i < 4; i++) {
-    if (std::isfinite(edges[i]) && edges[i] != participant.suggested[i]) {
-      solver.suggestValue(*variables[i], edges[i]);
-      participant.suggested[i] = edges[i];
-    }
-  }
+  double values[4] = {edges[0], edges[1], edges[2] - edges[0], edges[3] - edges[1]};
+  MoveStays(participant, values);
 }
 
 void TVLayoutEngine::DropParticipant(std::unordered_map<id, Participant>::iterator it) {
@@ -497,6 +519,7 @@ void TVLayoutEngine::DropParticipant(std::unordered_map<id, Participant>::iterat
   id item = it->first;
   movedItems.erase(item);
   participants.erase(it);
+  droppedItems++;
   if (item != rootView) {
     if (!fitting && ![item isKindOfClass:[NSLayoutGuide class]]) {
       _TVViewLayoutState *state = TVLayoutState(item, NO);
@@ -1102,6 +1125,13 @@ static void TVRunPasses(NSView *root) {
   }
   bool structureChanged = rootState->_layoutStructureChanged;
   rootState->_layoutStructureChanged = NO;
+  // A solver keeps the variables of every item that ever took part: once
+  // more items came and went than live, a fresh one is cheaper to keep.
+  if (structureChanged && rootState->_engine != nullptr &&
+      rootState->_engine->droppedItems > std::max<size_t>(64, rootState->_engine->participants.size())) {
+    TVDestroyLayoutEngine(rootState->_engine);
+    rootState->_engine = nullptr;
+  }
   if (rootState->_engine == nullptr) {
     rootState->_engine = new TVLayoutEngine();
     rootState->_engine->rootView = root;
@@ -1437,10 +1467,10 @@ static void TVRemoveConstraintsLeavingWith(NSView *view) {
   CollectStatefulSubtree(view, leaving);
   for (NSView *leaver : leaving) {
     _TVViewLayoutState *state = TVLayoutState(leaver, NO);
-    if (state == nil || [state->_referencingConstraints count] == 0) {
+    if (state == nil || state->_referencingConstraints == nullptr) {
       continue;
     }
-    for (_TVLayoutConstraint *constraint in [state->_referencingConstraints allObjects]) {
+    for (_TVLayoutConstraint *constraint in TVConstraintsNamingView(leaver)) {
       NSView *holder = constraint->_holder;
       if (holder != nil && holder != view && ![holder isDescendantOf:view]) {
         [holder removeConstraint:constraint];

@@ -6,8 +6,10 @@
 
 #ifdef __cplusplus
 struct TVLayoutEngine;
+struct TVConstraintSet;
 #else
 typedef struct TVLayoutEngine TVLayoutEngine;
+typedef struct TVConstraintSet TVConstraintSet;
 #endif
 
 // Every NSLayoutConstraint made on GNUstep is one of these.
@@ -37,7 +39,7 @@ typedef struct TVLayoutEngine TVLayoutEngine;
   NSUserInterfaceLayoutDirection _layoutDirection;
   // Constraints that name this view as an item, wherever they are installed
   // or not (not retained; each constraint leaves when it goes).
-  NSHashTable *_referencingConstraints;
+  struct TVConstraintSet *_referencingConstraints;
   BOOL _isParticipant;           // the solver of its layout root has variables for it
   // On layout roots: what the next pass must look at.
   BOOL _needsUpdatePass;         // some view below asked for updateConstraints
@@ -65,6 +67,9 @@ __attribute__((visibility("hidden"))) void TVMarkNeedsUpdatePass(NSView *view);
 
 /** Forgets a constraint that goes away (its pending constant edit). */
 __attribute__((visibility("hidden"))) void TVForgetConstraint(NSLayoutConstraint *constraint);
+
+/** The constraints that name `view` as an item, in no particular order. */
+__attribute__((visibility("hidden"))) NSArray *TVConstraintsNamingView(NSView *view);
 
 /** Records or drops `constraint` as naming its view items. */
 __attribute__((visibility("hidden"))) void TVRegisterConstraintItems(NSLayoutConstraint *constraint);
