@@ -465,23 +465,32 @@ struct Solver::Impl {
     (void)id;
     SymbolInfo& info = infoFor(symbol);
     if (info.uses > 0) --info.uses;
-    if (info.column.size() > 2 * static_cast<std::size_t>(info.uses) + 8) sweepColumn(symbol);
+    if (info.column.size() > 2 * static_cast<std::size_t>(info.uses) + 16) sweepColumn(symbol);
   }
 
-  // Drops the stale entries of a column and its repeats.
+  // Drops the stale entries of a column and its repeats, in one pass: a
+  // stamp per row marks the rows already kept.
   void sweepColumn(Symbol symbol) {
     SymbolInfo& info = infoFor(symbol);
     auto& column = info.column;
-    std::sort(column.begin(), column.end());
-    column.erase(std::unique(column.begin(), column.end()), column.end());
-    column.erase(std::remove_if(column.begin(), column.end(),
-                                [&](RowId id) {
-                                  const TableRow& target = tableau.rows[id];
-                                  return !target.live || target.row.find(symbol) == target.row.cells.end();
-                                }),
-                 column.end());
-    info.uses = static_cast<std::uint32_t>(column.size());
+    if (rowStamps.size() < tableau.rows.size()) rowStamps.resize(tableau.rows.size(), 0);
+    if (++stamp == 0) {
+      std::fill(rowStamps.begin(), rowStamps.end(), 0);
+      stamp = 1;
+    }
+    std::size_t kept = 0;
+    for (RowId id : column) {
+      if (rowStamps[id] == stamp) continue;
+      const TableRow& target = tableau.rows[id];
+      if (!target.live || target.row.find(symbol) == target.row.cells.end()) continue;
+      rowStamps[id] = stamp;
+      column[kept++] = id;
+    }
+    column.resize(kept);
+    info.uses = static_cast<std::uint32_t>(kept);
   }
+  std::vector<std::uint32_t> rowStamps;
+  std::uint32_t stamp = 0;
 
   // Forgets a symbol nothing refers to any more.
   void dropIfUnused(Symbol symbol) {
@@ -862,6 +871,13 @@ struct Solver::Impl {
     return Status::Ok;
   }
 
+  static bool anyNegativePivotable(const Row& row) {
+    for (const auto& cell : row.cells) {
+      if (cell.first.kind != SymbolKind::Dummy && cell.second < 0.0) return true;
+    }
+    return false;
+  }
+
   static Symbol anyPivotable(const Row& row) {
     for (const auto& cell : row.cells) {
       if (cell.first.pivotable()) return cell.first;
@@ -1083,6 +1099,14 @@ struct Solver::Impl {
       return status;
     }
 
+    // 0 = c + sum(a * s) with c > 0 and no restricted s that can pull it
+    // down (dummies are pinned at zero): no pivot can satisfy it, so it is
+    // refused in one pass over the row, the usual fate of a conflicting
+    // required constraint.
+    if (!NearZero(row.constant) && !anyNegativePivotable(row)) {
+      forgetVariables(created);
+      return Status::Unsatisfiable;
+    }
     // Phase one puts the tableau back itself when it refuses the row.
     Status status = addWithArtificialVariable(std::move(row));
     if (status != Status::Ok) {
