@@ -5,6 +5,7 @@
 // kiwisolver and reads these figures (--benchmark_format=json).
 #include <benchmark/benchmark.h>
 
+#include <random>
 #include <vector>
 
 #include "platform/AppKit/layout/Solver.hpp"
@@ -143,5 +144,91 @@ void BM_DragSplit(benchmark::State &state) {
   }
 }
 BENCHMARK(BM_DragSplit)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+// --- Conflict storm ------------------------------------------------------------
+//
+// 12 views' edges (48 variables) under random constraints between them:
+// equalities, mostly required and over four edges, and inequalities at
+// random priorities, with random constants, so many required ones conflict
+// and are refused. BM_StormBuild adds 1000 of them; BM_StormChurn then
+// removes 10 installed ones and adds them back per iteration, and
+// BM_StormReaddRefused removes one and re-adds every refused constraint, as
+// the layout pass does after a removal.
+struct Storm {
+  std::vector<Variable> edges;
+  std::vector<Constraint> constraints;
+  std::mt19937 random{1234};
+
+  Storm() {
+    for (int i = 0; i < 48; i++) edges.emplace_back("edge");
+    std::uniform_int_distribution<int> edge(0, 47), kind(0, 2), level(0, 3), constant(-300, 300);
+    static const float kPriorities[] = {1000, 750, 490, 250};
+    for (int i = 0; i < 1000; i++) {
+      Expression lhs = Expression(edges[edge(random)]) - Expression(edges[edge(random)]);
+      int relation = kind(random);
+      Relation r = relation == 0 ? Relation::Equal
+                                 : relation == 1 ? Relation::LessThanOrEqual
+                                                 : Relation::GreaterThanOrEqual;
+      Expression rhs = double(constant(random));
+      float priority = kPriorities[level(random)];
+      if (r == Relation::Equal) {
+        priority = kind(random) == 0 ? priority : 1000;
+        rhs = Expression(edges[edge(random)]) - Expression(edges[edge(random)]) + double(constant(random));
+      }
+      constraints.push_back(Constraint::Make(lhs, r, rhs, Strength{priority}));
+    }
+  }
+
+  int build(Solver &solver) const {
+    int held = 0;
+    for (const Constraint &c : constraints) held += solver.addConstraint(c) == Status::Ok;
+    return held;
+  }
+};
+
+void BM_StormBuild(benchmark::State &state) {
+  Storm storm;
+  int held = 0;
+  for (auto _ : state) {
+    Solver solver;
+    held = storm.build(solver);
+    solver.updateVariables();
+  }
+  state.counters["held"] = held;
+}
+BENCHMARK(BM_StormBuild)->Unit(benchmark::kMillisecond);
+
+void BM_StormChurn(benchmark::State &state) {
+  Storm storm;
+  Solver solver;
+  storm.build(solver);
+  std::mt19937 random(99);
+  std::uniform_int_distribution<std::size_t> pick(0, storm.constraints.size() - 1);
+  for (auto _ : state) {
+    std::size_t picked[10];
+    for (std::size_t &k : picked) k = pick(random);
+    for (std::size_t k : picked) solver.removeConstraint(storm.constraints[k]);
+    for (std::size_t k : picked) solver.addConstraint(storm.constraints[k]);
+    solver.updateVariables();
+  }
+}
+BENCHMARK(BM_StormChurn)->Unit(benchmark::kMicrosecond);
+
+void BM_StormReaddRefused(benchmark::State &state) {
+  Storm storm;
+  Solver solver;
+  storm.build(solver);
+  std::mt19937 random(7);
+  std::uniform_int_distribution<std::size_t> pick(0, storm.constraints.size() - 1);
+  for (auto _ : state) {
+    const Constraint &removed = storm.constraints[pick(random)];
+    solver.removeConstraint(removed);
+    for (const Constraint &c : storm.constraints) {
+      if (!solver.hasConstraint(c)) solver.addConstraint(c);
+    }
+    solver.updateVariables();
+  }
+}
+BENCHMARK(BM_StormReaddRefused)->Unit(benchmark::kMillisecond);
 
 }  // namespace

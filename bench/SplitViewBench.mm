@@ -218,6 +218,22 @@ void BM_RawSolverDragStep(benchmark::State &state) {
 }
 BENCHMARK(BM_RawSolverDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
 
+// One divider of the edges system dragged, stays on: the position's
+// constant changed in place and the frames read back.
+void BM_RawEdgesDragStep(benchmark::State &state) {
+  int panels = static_cast<int>(state.range(0));
+  RawEdgesSplitView raw(panels, static_cast<int>(state.range(1)));
+  std::size_t divider = raw.positions.size() / 2;
+  double base = (divider + 1) * (kPanelWidth + 1);
+  int step = 0;
+  for (auto _ : state) {
+    raw.solver.updateConstant(raw.positions[divider], -(base + (step++ % 20)));
+    raw.solver.updateVariables();
+    benchmark::DoNotOptimize(raw.views[2 * divider + 2].left.value());
+  }
+}
+BENCHMARK(BM_RawEdgesDragStep)->ArgsProduct({{10, 100, 300, 1000}, {1, 2, 3}})->Unit(benchmark::kMicrosecond);
+
 // --- Through AppKit ----------------------------------------------------------
 
 // Every constraint built and solved, every frame set; the tree is made

@@ -17,6 +17,9 @@ constexpr double kEpsilon = 1.0e-8;
 
 bool NearZero(double value) { return std::fabs(value) < kEpsilon; }
 
+// Finite and no larger than `limit` in magnitude (NaN fails too).
+bool InRange(double value, double limit) { return std::fabs(value) <= limit; }
+
 // --- Symbols ---------------------------------------------------------------
 
 enum class SymbolKind { Invalid, External, Slack, Error, Dummy };
@@ -102,43 +105,81 @@ struct Row {
 // --- Symbolic weights ------------------------------------------------------
 
 // One component per priority, highest first; compared lexicographically so a
-// higher priority dominates any amount of error at lower ones.
+// higher priority dominates any amount of error at lower ones. A level with
+// nothing in it has no component. Most weights have one or two components,
+// kept inline so that the objective's cells allocate nothing; more spill to
+// the heap.
 class Weight {
  public:
+  using Part = std::pair<float, double>;
+
   static Weight At(float level, double value) {
     Weight weight;
     weight.add(level, value);
     return weight;
   }
 
+  Weight() = default;
+  Weight(const Weight& other) { *this = other; }
+  Weight(Weight&& other) noexcept { *this = std::move(other); }
+  Weight& operator=(const Weight& other) {
+    if (this == &other) return *this;
+    size_ = other.size_;
+    if (size_ > kInline) {
+      spill_ = other.spill_;
+    } else {
+      spill_.clear();
+      std::copy(other.inline_, other.inline_ + size_, inline_);
+    }
+    return *this;
+  }
+  Weight& operator=(Weight&& other) noexcept {
+    if (this == &other) return *this;
+    size_ = other.size_;
+    if (size_ > kInline) {
+      spill_ = std::move(other.spill_);
+    } else {
+      spill_.clear();
+      std::copy(other.inline_, other.inline_ + size_, inline_);
+    }
+    other.clear();
+    return *this;
+  }
+
   void add(float level, double value) {
-    auto it = parts_.begin();
-    while (it != parts_.end() && it->first > level) ++it;
-    if (it != parts_.end() && it->first == level) {
-      it->second += value;
-      if (NearZero(it->second)) parts_.erase(it);
+    Part* parts = data();
+    std::uint32_t i = 0;
+    while (i < size_ && parts[i].first > level) ++i;
+    if (i < size_ && parts[i].first == level) {
+      parts[i].second += value;
+      if (NearZero(parts[i].second)) eraseAt(i);
     } else if (!NearZero(value)) {
-      parts_.insert(it, {level, value});
+      insertAt(i, {level, value});
     }
   }
 
   void addScaled(const Weight& other, double factor) {
-    for (const auto& [level, value] : other.parts_) add(level, value * factor);
+    const Part* parts = other.data();
+    for (std::uint32_t i = 0; i < other.size_; ++i) add(parts[i].first, parts[i].second * factor);
   }
 
-  bool empty() const { return parts_.empty(); }
+  void clear() {
+    size_ = 0;
+    spill_.clear();
+  }
+  bool empty() const { return size_ == 0; }
   // Components are never near zero, so the first one decides the sign.
-  int sign() const { return parts_.empty() ? 0 : (parts_.front().second > 0 ? 1 : -1); }
+  int sign() const { return size_ == 0 ? 0 : (data()[0].second > 0 ? 1 : -1); }
 
   // Sign of a * factorA - b * factorB, without building it.
   static int CompareScaled(const Weight& a, double factorA, const Weight& b, double factorB) {
-    auto i = a.parts_.begin();
-    auto j = b.parts_.begin();
-    while (i != a.parts_.end() || j != b.parts_.end()) {
+    const Part *i = a.data(), *iEnd = i + a.size_;
+    const Part *j = b.data(), *jEnd = j + b.size_;
+    while (i != iEnd || j != jEnd) {
       double difference;
-      if (j == b.parts_.end() || (i != a.parts_.end() && i->first > j->first)) {
+      if (j == jEnd || (i != iEnd && i->first > j->first)) {
         difference = (i++)->second * factorA;
-      } else if (i == a.parts_.end() || j->first > i->first) {
+      } else if (i == iEnd || j->first > i->first) {
         difference = -(j++)->second * factorB;
       } else {
         difference = i->second * factorA - j->second * factorB;
@@ -151,32 +192,64 @@ class Weight {
   }
 
  private:
-  std::vector<std::pair<float, double>> parts_;
+  static constexpr std::uint32_t kInline = 2;
+
+  Part* data() { return size_ > kInline ? spill_.data() : inline_; }
+  const Part* data() const { return size_ > kInline ? spill_.data() : inline_; }
+
+  void insertAt(std::uint32_t i, Part part) {
+    if (size_ < kInline) {
+      std::copy_backward(inline_ + i, inline_ + size_, inline_ + size_ + 1);
+      inline_[i] = part;
+    } else {
+      if (size_ == kInline) spill_.assign(inline_, inline_ + kInline);
+      spill_.insert(spill_.begin() + i, part);
+    }
+    ++size_;
+  }
+
+  void eraseAt(std::uint32_t i) {
+    if (size_ > kInline) {
+      spill_.erase(spill_.begin() + i);
+      if (--size_ == kInline) {
+        std::copy(spill_.begin(), spill_.end(), inline_);
+        spill_.clear();
+      }
+    } else {
+      std::copy(inline_ + i + 1, inline_ + size_, inline_ + i);
+      --size_;
+    }
+  }
+
+  std::uint32_t size_ = 0;
+  Part inline_[kInline];
+  std::vector<Part> spill_;  // every part, once there are more than kInline
 };
 
-// The objective: value = constant + sum(weight * parametric symbol). Beside
-// the weights it lists the symbols whose weight went negative, the only
-// candidates to enter, so finding none does not walk every error.
+// The objective: value = constant + sum(weight * parametric symbol), its
+// cells indexed by symbol id. Beside the weights it lists the symbols whose
+// weight went negative, the only candidates to enter, so finding none does
+// not walk every error.
 struct Objective {
   struct Cell {
-    Symbol symbol;
     Weight weight;
     bool listed = false;
   };
-  std::unordered_map<std::uint64_t, Cell> cells;
-  std::vector<std::uint64_t> negatives;
+  std::vector<Cell> cells;
+  std::vector<Symbol> negatives;
   Weight constant;
 
+  Cell& cellFor(Symbol symbol) {
+    if (symbol.id >= cells.size()) cells.resize(std::max<std::size_t>(symbol.id + 1, cells.size() * 2));
+    return cells[symbol.id];
+  }
+
   void insert(Symbol symbol, const Weight& weight, double factor) {
-    auto [it, fresh] = cells.try_emplace(symbol.id);
-    Cell& cell = it->second;
-    if (fresh) cell.symbol = symbol;
+    Cell& cell = cellFor(symbol);
     cell.weight.addScaled(weight, factor);
-    if (cell.weight.empty()) {
-      cells.erase(it);
-    } else if (!cell.listed && cell.weight.sign() < 0 && symbol.kind != SymbolKind::Dummy) {
+    if (!cell.listed && cell.weight.sign() < 0 && symbol.kind != SymbolKind::Dummy) {
       cell.listed = true;
-      negatives.push_back(symbol.id);
+      negatives.push_back(symbol);
     }
   }
 
@@ -186,17 +259,17 @@ struct Objective {
   }
 
   const Weight* coefficientFor(Symbol symbol) const {
-    auto it = cells.find(symbol.id);
-    return it == cells.end() ? nullptr : &it->second.weight;
+    if (symbol.id >= cells.size() || cells[symbol.id].weight.empty()) return nullptr;
+    return &cells[symbol.id].weight;
   }
 
-  void erase(Symbol symbol) { cells.erase(symbol.id); }
+  void erase(Symbol symbol) {
+    if (symbol.id < cells.size()) cells[symbol.id].weight.clear();
+  }
 
   void substitute(Symbol symbol, const Row& row) {
-    auto it = cells.find(symbol.id);
-    if (it == cells.end()) return;
-    Weight weight = std::move(it->second.weight);
-    cells.erase(it);
+    if (symbol.id >= cells.size() || cells[symbol.id].weight.empty()) return;
+    Weight weight = std::move(cells[symbol.id].weight);
     insert(row, weight);
   }
 
@@ -206,23 +279,23 @@ struct Objective {
     Symbol best;
     const Weight* bestWeight = nullptr;
     for (std::size_t i = 0; i < negatives.size();) {
-      auto it = cells.find(negatives[i]);
-      if (it == cells.end() || it->second.weight.sign() >= 0) {
-        if (it != cells.end()) it->second.listed = false;
+      Cell& cell = cells[negatives[i].id];
+      if (cell.weight.sign() >= 0) {
+        cell.listed = false;
         negatives[i] = negatives.back();
         negatives.pop_back();
         continue;
       }
-      const Cell& cell = it->second;
+      Symbol symbol = negatives[i];
       ++i;
       if (!best.valid()) {
-        best = cell.symbol;
+        best = symbol;
         bestWeight = &cell.weight;
         continue;
       }
       int order = bland ? 0 : Weight::CompareScaled(cell.weight, 1.0, *bestWeight, 1.0);
-      if (order < 0 || (order == 0 && cell.symbol < best)) {
-        best = cell.symbol;
+      if (order < 0 || (order == 0 && symbol < best)) {
+        best = symbol;
         bestWeight = &cell.weight;
       }
     }
@@ -230,8 +303,34 @@ struct Objective {
   }
 };
 
-// The artificial objective gets a level above every priority.
-constexpr float kArtificialLevel = std::numeric_limits<float>::max();
+// Phase one's objective: the artificial variable alone, one level above
+// every priority, so its weights are plain numbers and it is a row.
+struct ArtificialObjective {
+  Row row;
+
+  void substitute(Symbol symbol, const Row& other) {
+    auto it = row.find(symbol);
+    if (it == row.cells.end()) return;
+    double coefficient = it->second;
+    row.cells.erase(it);
+    row.add(other, coefficient);
+  }
+
+  Symbol entering(bool bland) const {
+    Symbol best;
+    double bestValue = 0.0;
+    for (const auto& [symbol, value] : row.cells) {
+      if (symbol.kind == SymbolKind::Dummy || value >= 0.0 || NearZero(value)) continue;
+      if (!best.valid() || (!bland && value < bestValue)) {
+        best = symbol;
+        bestValue = value;
+      }
+    }
+    return best;
+  }
+
+  bool satisfied() const { return NearZero(row.constant); }
+};
 
 Weight ErrorWeight(Strength strength) { return Weight::At(strength.priority, 1.0); }
 
@@ -264,51 +363,70 @@ struct Solver::Impl {
   };
 
   using RowId = std::uint32_t;
-  static constexpr std::int64_t kNoRow = -1;
+  static constexpr std::int32_t kNoRow = -1;
 
   // The tableau: rows by a stable id (a pivot changes a row's basic symbol,
-  // not its id), and per symbol the row it is basic in and the rows it is a
-  // parametric cell of, so substitution and ratio tests touch only the rows
-  // that hold the symbol.
+  // not its id), and per symbol, indexed by its id, the row it is basic in
+  // and the rows it is a parametric cell of, so substitution and ratio tests
+  // touch only the rows that hold the symbol.
+  //
+  // A column may keep stale entries (rows that no longer hold the symbol, or
+  // the same row twice): dropping a cell only counts it down, and the column
+  // is swept when stale entries outnumber live ones, so taking a long row
+  // out costs its length, not its length times its columns'. Whoever walks a
+  // column checks the row still holds the symbol.
   struct TableRow {
     Symbol basic;
     Row row;
     bool live = false;
   };
   struct SymbolInfo {
-    std::int64_t row = kNoRow;
+    std::int32_t row = kNoRow;
+    std::int32_t variable = -1;  // index in variableList, for external symbols
+    std::uint32_t uses = 0;      // rows that hold it as a parametric cell
     std::vector<RowId> column;
   };
-  // Variables in creation order, each with its symbol's entry in the
-  // tableau (entries of external symbols are never dropped while the
-  // variable is known; node addresses survive rehashing), so writing the
-  // solution back is a walk down a vector with no lookups.
+  // Variables in creation order. `written` is the value updateVariables last
+  // wrote; `dirty` marks the ones whose solved value may have moved since.
   struct VariableInfo {
     Variable variable;
     Symbol symbol;
-    SymbolInfo* info;
+    double written;
+    bool dirty;
   };
   struct Tableau {
     std::vector<TableRow> rows;
     std::vector<RowId> freeRows;
-    std::unordered_map<std::uint64_t, SymbolInfo> symbols;
+    std::vector<SymbolInfo> symbols;  // by symbol id
     std::size_t liveRows = 0;
   };
 
   std::unordered_map<std::uint64_t, ConstraintInfo> constraints;
   std::unordered_map<std::uint64_t, std::size_t> variables;  // id -> variableList
   std::vector<VariableInfo> variableList;
+  std::vector<std::size_t> dirtyVariables;
   std::unordered_map<std::uint64_t, EditInfo> edits;
   Tableau tableau;
   std::vector<Symbol> infeasible;
   Objective objective;
-  std::optional<Objective> artificial;
+  std::optional<ArtificialObjective> artificial;
+  // Pivots taken by phase one, so a refused constraint can take them back.
+  std::vector<std::pair<RowId, Symbol>> phaseOnePivots;
+  bool journaling = false;
   std::uint64_t nextSymbolId = 1;
   // Set when a substitution leaves a basic dummy (a required equality that
   // only repeats others) away from zero: an update broke a required equality.
   bool brokenEquality = false;
+  // Scratch space for row merges, so they allocate only while rows grow.
+  std::vector<Row::Cell> merged;
 
-  Symbol makeSymbol(SymbolKind kind) { return Symbol{nextSymbolId++, kind}; }
+  Symbol makeSymbol(SymbolKind kind) {
+    Symbol symbol{nextSymbolId++, kind};
+    if (tableau.symbols.size() <= symbol.id) {
+      tableau.symbols.resize(std::max<std::size_t>(symbol.id + 1, tableau.symbols.size() * 2));
+    }
+    return symbol;
+  }
 
   // A guard against numerical trouble only, so a bad layout reports, never
   // hangs.
@@ -316,39 +434,70 @@ struct Solver::Impl {
 
   // --- Tableau primitives ----------------------------------------------------
 
-  SymbolInfo* infoFor(Symbol symbol) {
-    auto it = tableau.symbols.find(symbol.id);
-    return it == tableau.symbols.end() ? nullptr : &it->second;
-  }
-  const SymbolInfo* infoFor(Symbol symbol) const {
-    auto it = tableau.symbols.find(symbol.id);
-    return it == tableau.symbols.end() ? nullptr : &it->second;
-  }
+  SymbolInfo& infoFor(Symbol symbol) { return tableau.symbols[symbol.id]; }
+  const SymbolInfo& infoFor(Symbol symbol) const { return tableau.symbols[symbol.id]; }
 
   // The row `symbol` is basic in, or null.
   TableRow* basicRow(Symbol symbol) {
-    SymbolInfo* info = infoFor(symbol);
-    return info && info->row != kNoRow ? &tableau.rows[static_cast<RowId>(info->row)] : nullptr;
+    std::int32_t row = infoFor(symbol).row;
+    return row != kNoRow ? &tableau.rows[static_cast<RowId>(row)] : nullptr;
   }
 
-  void link(Symbol symbol, RowId id) { tableau.symbols[symbol.id].column.push_back(id); }
-
-  void unlink(Symbol symbol, RowId id) {
-    SymbolInfo* info = infoFor(symbol);
-    if (!info) return;
-    auto& column = info->column;
-    auto it = std::find(column.begin(), column.end(), id);
-    if (it != column.end()) {
-      *it = column.back();
-      column.pop_back();
+  // An external symbol's value may have moved: updateVariables looks at it.
+  void touch(Symbol symbol) {
+    if (symbol.kind != SymbolKind::External) return;
+    std::int32_t index = infoFor(symbol).variable;
+    if (index < 0) return;
+    VariableInfo& info = variableList[static_cast<std::size_t>(index)];
+    if (!info.dirty) {
+      info.dirty = true;
+      dirtyVariables.push_back(static_cast<std::size_t>(index));
     }
   }
 
+  void link(Symbol symbol, RowId id) {
+    SymbolInfo& info = infoFor(symbol);
+    ++info.uses;
+    info.column.push_back(id);
+  }
+
+  void unlink(Symbol symbol, RowId id) {
+    (void)id;
+    SymbolInfo& info = infoFor(symbol);
+    if (info.uses > 0) --info.uses;
+    if (info.column.size() > 2 * static_cast<std::size_t>(info.uses) + 16) sweepColumn(symbol);
+  }
+
+  // Drops the stale entries of a column and its repeats, in one pass: a
+  // stamp per row marks the rows already kept.
+  void sweepColumn(Symbol symbol) {
+    SymbolInfo& info = infoFor(symbol);
+    auto& column = info.column;
+    if (rowStamps.size() < tableau.rows.size()) rowStamps.resize(tableau.rows.size(), 0);
+    if (++stamp == 0) {
+      std::fill(rowStamps.begin(), rowStamps.end(), 0);
+      stamp = 1;
+    }
+    std::size_t kept = 0;
+    for (RowId id : column) {
+      if (rowStamps[id] == stamp) continue;
+      const TableRow& target = tableau.rows[id];
+      if (!target.live || target.row.find(symbol) == target.row.cells.end()) continue;
+      rowStamps[id] = stamp;
+      column[kept++] = id;
+    }
+    column.resize(kept);
+    info.uses = static_cast<std::uint32_t>(kept);
+  }
+  std::vector<std::uint32_t> rowStamps;
+  std::uint32_t stamp = 0;
+
   // Forgets a symbol nothing refers to any more.
   void dropIfUnused(Symbol symbol) {
-    auto it = tableau.symbols.find(symbol.id);
-    if (it != tableau.symbols.end() && it->second.row == kNoRow && it->second.column.empty()) {
-      tableau.symbols.erase(it);
+    SymbolInfo& info = infoFor(symbol);
+    if (info.row == kNoRow && info.uses == 0) {
+      info.column.clear();
+      info.column.shrink_to_fit();
     }
   }
 
@@ -366,18 +515,20 @@ struct Solver::Impl {
     slot.row = std::move(row);
     slot.live = true;
     for (const auto& cell : slot.row.cells) link(cell.first, id);
-    tableau.symbols[basic.id].row = id;
+    infoFor(basic).row = static_cast<std::int32_t>(id);
+    touch(basic);
     ++tableau.liveRows;
     return id;
   }
 
   Row takeRow(RowId id) {
     TableRow& slot = tableau.rows[id];
-    for (const auto& cell : slot.row.cells) unlink(cell.first, id);
-    if (SymbolInfo* info = infoFor(slot.basic)) info->row = kNoRow;
     Row row = std::move(slot.row);
     slot.row = Row();
     slot.live = false;
+    for (const auto& cell : row.cells) unlink(cell.first, id);
+    infoFor(slot.basic).row = kNoRow;
+    touch(slot.basic);
     tableau.freeRows.push_back(id);
     --tableau.liveRows;
     return row;
@@ -387,7 +538,7 @@ struct Solver::Impl {
   void addScaledRow(RowId id, const Row& other, double coefficient) {
     Row& row = tableau.rows[id].row;
     row.constant += other.constant * coefficient;
-    std::vector<Row::Cell> merged;
+    merged.clear();
     merged.reserve(row.cells.size() + other.cells.size());
     auto mine = row.cells.begin();
     auto theirs = other.cells.begin();
@@ -408,24 +559,30 @@ struct Solver::Impl {
       }
       ++theirs;
     }
-    row.cells = std::move(merged);
+    row.cells.swap(merged);
   }
 
   // Replaces `symbol` by `row` wherever it is a parametric cell.
   void substitute(Symbol symbol, const Row& row) {
-    SymbolInfo* info = infoFor(symbol);
-    if (info && !info->column.empty()) {
-      std::vector<RowId> column = std::move(info->column);
-      info->column.clear();
+    SymbolInfo& info = infoFor(symbol);
+    if (!info.column.empty()) {
+      std::vector<RowId> column = std::move(info.column);
+      info.column.clear();
+      info.uses = 0;
       for (RowId id : column) {
         TableRow& target = tableau.rows[id];
+        if (!target.live) continue;
         auto it = target.row.find(symbol);
         if (it == target.row.cells.end()) continue;
         double coefficient = it->second;
         target.row.cells.erase(it);
         addScaledRow(id, row, coefficient);
+        touch(target.basic);
         noteRow(target);
       }
+      // Keep the column's storage for the next time the symbol is used.
+      column.clear();
+      if (infoFor(symbol).column.empty()) infoFor(symbol).column = std::move(column);
     }
     objective.substitute(symbol, row);
     if (artificial) artificial->substitute(symbol, row);
@@ -443,6 +600,7 @@ struct Solver::Impl {
   void pivot(RowId id, Symbol entering) {
     TableRow& slot = tableau.rows[id];
     Symbol leaving = slot.basic;
+    if (journaling) phaseOnePivots.emplace_back(id, leaving);
     Row& row = slot.row;
     // leaving = c + a * entering + rest  =>  entering = (leaving - c - rest) / a
     auto it = row.find(entering);
@@ -455,8 +613,10 @@ struct Solver::Impl {
     row.cells.insert(at, {leaving, -factor});
     link(leaving, id);
     slot.basic = entering;
-    tableau.symbols[leaving.id].row = kNoRow;
-    tableau.symbols[entering.id].row = id;
+    infoFor(leaving).row = kNoRow;
+    infoFor(entering).row = static_cast<std::int32_t>(id);
+    touch(leaving);
+    touch(entering);
     // Substitution touches other rows and the columns, never the row table's
     // size, so `row` stays put.
     substitute(entering, row);
@@ -469,8 +629,12 @@ struct Solver::Impl {
     if (it != variables.end()) return variableList[it->second].symbol;
     Symbol symbol = makeSymbol(SymbolKind::External);
     variables.emplace(variable.id(), variableList.size());
-    variableList.push_back(VariableInfo{variable, symbol, &tableau.symbols[symbol.id]});
+    infoFor(symbol).variable = static_cast<std::int32_t>(variableList.size());
+    // Not written yet: the first update writes it whatever its value.
+    variableList.push_back(
+        VariableInfo{variable, symbol, std::numeric_limits<double>::quiet_NaN(), false});
     created.push_back(variable.id());
+    touch(symbol);
     return symbol;
   }
 
@@ -528,10 +692,7 @@ struct Solver::Impl {
     return row;
   }
 
-  std::size_t columnSize(Symbol symbol) const {
-    const SymbolInfo* info = infoFor(symbol);
-    return info ? info->column.size() : 0;
-  }
+  std::size_t columnSize(Symbol symbol) const { return infoFor(symbol).uses; }
 
   // The row's subject, the symbol it is solved for:
   //  - an external variable (none in the row is basic: they were substituted),
@@ -606,11 +767,9 @@ struct Solver::Impl {
 
   // Whether `symbol` rising to `value` leaves every restricted row >= 0.
   bool keepsRowsFeasible(Symbol symbol, double value) const {
-    const SymbolInfo* info = infoFor(symbol);
-    if (!info) return true;
-    for (RowId id : info->column) {
+    for (RowId id : infoFor(symbol).column) {
       const TableRow& target = tableau.rows[id];
-      if (!target.basic.restricted()) continue;
+      if (!target.live || !target.basic.restricted()) continue;
       double coefficient = target.row.coefficientFor(symbol);
       if (coefficient < 0.0 && target.row.constant + coefficient * value < -kEpsilon) {
         return false;
@@ -630,21 +789,19 @@ struct Solver::Impl {
 
   // The ratio test: the restricted row that first hits zero as `entering`
   // grows; ties to the lowest basic id. Sets `ratio` to its step.
-  std::int64_t leavingRow(Symbol entering, double& ratio) const {
+  std::int32_t leavingRow(Symbol entering, double& ratio) const {
     double best = std::numeric_limits<double>::max();
-    std::int64_t found = kNoRow;
+    std::int32_t found = kNoRow;
     Symbol foundBasic;
-    const SymbolInfo* info = infoFor(entering);
-    if (!info) return kNoRow;
-    for (RowId id : info->column) {
+    for (RowId id : infoFor(entering).column) {
       const TableRow& target = tableau.rows[id];
-      if (!target.basic.restricted()) continue;
+      if (!target.live || !target.basic.restricted()) continue;
       double coefficient = target.row.coefficientFor(entering);
       if (coefficient >= 0.0) continue;
       double step = -target.row.constant / coefficient;
       if (step < best || (step == best && target.basic < foundBasic)) {
         best = step;
-        found = id;
+        found = static_cast<std::int32_t>(id);
         foundBasic = target.basic;
       }
     }
@@ -655,13 +812,14 @@ struct Solver::Impl {
   // Primal simplex. Dantzig's rule for the entering symbol; after a run of
   // pivots that leave the objective where it was, Bland's rule until it
   // moves, so degenerate vertices cannot cycle.
-  Status optimize(Objective& target) {
+  template <typename Goal>
+  Status optimize(Goal& target) {
     int degenerate = 0;
     for (std::size_t i = 0, limit = pivotLimit(); i < limit; ++i) {
       Symbol entering = target.entering(degenerate >= kDegenerateRun);
       if (!entering.valid()) return Status::Ok;
       double ratio = 0.0;
-      std::int64_t leaving = leavingRow(entering, ratio);
+      std::int32_t leaving = leavingRow(entering, ratio);
       // Errors are bounded below by zero, so an unbounded objective means a
       // broken tableau.
       if (leaving == kNoRow) return Status::InternalError;
@@ -707,10 +865,17 @@ struct Solver::Impl {
         infeasible.clear();
         return Status::Unsatisfiable;
       }
-      pivot(static_cast<RowId>(infoFor(leaving)->row), entering);
+      pivot(static_cast<RowId>(infoFor(leaving).row), entering);
       if (++pivots > limit) return Status::IterationLimit;
     }
     return Status::Ok;
+  }
+
+  static bool anyNegativePivotable(const Row& row) {
+    for (const auto& cell : row.cells) {
+      if (cell.first.kind != SymbolKind::Dummy && cell.second < 0.0) return true;
+    }
+    return false;
   }
 
   static Symbol anyPivotable(const Row& row) {
@@ -721,20 +886,38 @@ struct Solver::Impl {
   }
 
   // Phase one for a row with no usable subject: minimise an artificial
-  // variable equal to the row; the constraint is satisfiable iff it reaches 0.
-  Status addWithArtificialVariable(const Row& row) {
+  // variable equal to the row; the constraint is satisfiable iff it reaches
+  // 0. When it cannot, the pivots phase one took are taken back, newest
+  // first, and the row dropped: the tableau is the one before the call, at
+  // the cost of those pivots rather than of a copy of the tableau.
+  Status addWithArtificialVariable(Row row) {
     Symbol art = makeSymbol(SymbolKind::Slack);
     artificial.emplace();
-    artificial->insert(row, Weight::At(kArtificialLevel, 1.0));
-    addRow(art, row);
+    artificial->row = row;
+    addRow(art, std::move(row));
+    phaseOnePivots.clear();
+    journaling = true;
     Status status = optimize(*artificial);
-    bool satisfied = artificial->constant.empty();
+    journaling = false;
+    bool satisfied = artificial->satisfied();
     artificial.reset();
-    if (status != Status::Ok) return status;
-    if (!satisfied) return Status::Unsatisfiable;
+    if (status != Status::Ok || !satisfied) {
+      for (auto it = phaseOnePivots.rbegin(); it != phaseOnePivots.rend(); ++it) {
+        pivot(it->first, it->second);
+      }
+      phaseOnePivots.clear();
+      if (TableRow* slot = basicRow(art)) {
+        takeRow(static_cast<RowId>(infoFor(art).row));
+      } else {
+        eraseEverywhere(art);
+      }
+      infeasible.clear();
+      return status != Status::Ok ? status : Status::Unsatisfiable;
+    }
+    phaseOnePivots.clear();
 
     if (TableRow* slot = basicRow(art)) {
-      RowId id = static_cast<RowId>(infoFor(art)->row);
+      RowId id = static_cast<RowId>(infoFor(art).row);
       if (slot->row.cells.empty()) {
         takeRow(id);
       } else {
@@ -746,17 +929,23 @@ struct Solver::Impl {
       }
     }
     // art is parametric now, at zero: drop it from every row.
-    if (SymbolInfo* info = infoFor(art)) {
-      std::vector<RowId> column = std::move(info->column);
-      for (RowId id : column) {
-        Row& target = tableau.rows[id].row;
-        auto it = target.find(art);
-        if (it != target.cells.end()) target.cells.erase(it);
-      }
-    }
-    tableau.symbols.erase(art.id);
+    eraseEverywhere(art);
     objective.erase(art);
     return Status::Ok;
+  }
+
+  // Drops a parametric symbol at zero from every row that holds it.
+  void eraseEverywhere(Symbol symbol) {
+    SymbolInfo& info = infoFor(symbol);
+    std::vector<RowId> column = std::move(info.column);
+    info.column.clear();
+    info.uses = 0;
+    for (RowId id : column) {
+      TableRow& target = tableau.rows[id];
+      if (!target.live) continue;
+      auto it = target.row.find(symbol);
+      if (it != target.row.cells.end()) target.row.cells.erase(it);
+    }
   }
 
   void removeErrorEffect(Symbol error, Strength strength) {
@@ -769,15 +958,15 @@ struct Solver::Impl {
 
   // Which row to pivot a non-basic marker into, so that dropping that row
   // removes the constraint and keeps the rest feasible.
-  std::int64_t markerLeavingRow(Symbol marker) const {
+  std::int32_t markerLeavingRow(Symbol marker) const {
     double bestNegative = std::numeric_limits<double>::max();
     double bestPositive = std::numeric_limits<double>::max();
-    std::int64_t negative = kNoRow, positive = kNoRow, external = kNoRow;
+    std::int32_t negative = kNoRow, positive = kNoRow, external = kNoRow;
     Symbol negativeBasic, positiveBasic, externalBasic;
-    const SymbolInfo* info = infoFor(marker);
-    if (!info) return kNoRow;
-    for (RowId id : info->column) {
-      const TableRow& target = tableau.rows[id];
+    for (RowId rowId : infoFor(marker).column) {
+      const TableRow& target = tableau.rows[rowId];
+      if (!target.live) continue;
+      std::int32_t id = static_cast<std::int32_t>(rowId);
       double coefficient = target.row.coefficientFor(marker);
       if (coefficient == 0.0) continue;
       if (!target.basic.restricted()) {
@@ -809,14 +998,17 @@ struct Solver::Impl {
   Status removeTagged(const Tag& tag, Strength strength) {
     if (tag.marker.kind == SymbolKind::Error) removeErrorEffect(tag.marker, strength);
     if (tag.other.kind == SymbolKind::Error) removeErrorEffect(tag.other, strength);
-    SymbolInfo* info = infoFor(tag.marker);
-    if (info && info->row != kNoRow) {
-      takeRow(static_cast<RowId>(info->row));
+    std::int32_t basic = infoFor(tag.marker).row;
+    if (basic != kNoRow) {
+      takeRow(static_cast<RowId>(basic));
     } else {
-      std::int64_t leaving = markerLeavingRow(tag.marker);
-      if (leaving == kNoRow) return Status::InternalError;
-      pivot(static_cast<RowId>(leaving), tag.marker);
-      takeRow(static_cast<RowId>(leaving));
+      // A marker in no row at all is one whose cells cancelled out: the
+      // constraint no longer shapes the tableau, and nothing is left to take.
+      std::int32_t leaving = markerLeavingRow(tag.marker);
+      if (leaving != kNoRow) {
+        pivot(static_cast<RowId>(leaving), tag.marker);
+        takeRow(static_cast<RowId>(leaving));
+      }
     }
     objective.erase(tag.marker);
     dropIfUnused(tag.marker);
@@ -825,23 +1017,50 @@ struct Solver::Impl {
   }
 
   void forgetVariables(const std::vector<std::uint64_t>& created) {
+    if (created.empty()) return;
     // The variables made by the failed call are the last ones.
     for (std::uint64_t id : created) {
       variables.erase(id);
-      tableau.symbols.erase(variableList.back().symbol.id);
+      Symbol symbol = variableList.back().symbol;
+      eraseEverywhere(symbol);
+      infoFor(symbol) = SymbolInfo();
       variableList.pop_back();
     }
-  }
-
-  // After the tableau was put back from a snapshot.
-  void relinkVariables() {
-    for (VariableInfo& info : variableList) info.info = &tableau.symbols[info.symbol.id];
+    std::size_t count = variableList.size();
+    dirtyVariables.erase(std::remove_if(dirtyVariables.begin(), dirtyVariables.end(),
+                                        [count](std::size_t index) { return index >= count; }),
+                         dirtyVariables.end());
   }
 
   // --- Constraints -------------------------------------------------------------
 
+  // Whether every number of `expression` is in the range Solver.hpp
+  // promises, a variable's repeated terms summed as the row will sum them.
+  bool inRange(const Expression& expression) {
+    if (!InRange(expression.constant(), kMaxConstant)) return false;
+    const auto& terms = expression.terms();
+    scratchTerms.clear();
+    for (const Term& term : terms) {
+      if (!InRange(term.coefficient, kMaxCoefficient)) return false;
+      scratchTerms.emplace_back(term.variable.id(), term.coefficient);
+    }
+    if (scratchTerms.size() < 2) return true;
+    std::sort(scratchTerms.begin(), scratchTerms.end());
+    for (std::size_t i = 0; i < scratchTerms.size();) {
+      double sum = 0.0;
+      std::size_t j = i;
+      for (; j < scratchTerms.size() && scratchTerms[j].first == scratchTerms[i].first; ++j) {
+        sum += scratchTerms[j].second;
+      }
+      if (!InRange(sum, kMaxCoefficient)) return false;
+      i = j;
+    }
+    return true;
+  }
+  std::vector<std::pair<std::uint64_t, double>> scratchTerms;
+
   Status add(const Constraint& constraint) {
-    if (!constraint.isValid()) return Status::InvalidValue;
+    if (!constraint.isValid() || !inRange(constraint.expression())) return Status::InvalidValue;
     if (constraints.count(constraint.id())) return Status::Duplicate;
     Strength strength = FromPriority(constraint.strength().priority);
 
@@ -880,21 +1099,28 @@ struct Solver::Impl {
       return status;
     }
 
-    Tableau savedTableau = tableau;
-    Objective savedObjective = objective;
-    Status status = addWithArtificialVariable(row);
-    if (status == Status::Ok) status = optimize(objective);
-    infeasible.clear();
+    // 0 = c + sum(a * s) with c > 0 and no restricted s that can pull it
+    // down (dummies are pinned at zero): no pivot can satisfy it, so it is
+    // refused in one pass over the row, the usual fate of a conflicting
+    // required constraint.
+    if (!NearZero(row.constant) && !anyNegativePivotable(row)) {
+      forgetVariables(created);
+      return Status::Unsatisfiable;
+    }
+    // Phase one puts the tableau back itself when it refuses the row.
+    Status status = addWithArtificialVariable(std::move(row));
     if (status != Status::Ok) {
-      tableau = std::move(savedTableau);
-      objective = std::move(savedObjective);
-      relinkVariables();
-      infeasible.clear();
       forgetVariables(created);
       return status;
     }
     constraints.emplace(constraint.id(), ConstraintInfo{constraint, tag, strength, constant});
-    return Status::Ok;
+    status = optimize(objective);
+    infeasible.clear();
+    if (status != Status::Ok) {
+      constraints.erase(constraint.id());
+      removeTagged(tag, strength);
+    }
+    return status;
   }
 
   Status remove(const Constraint& constraint) {
@@ -913,16 +1139,21 @@ struct Solver::Impl {
     double markerShift = -delta / tag.markerCoefficient;
     if (TableRow* slot = basicRow(tag.marker)) {
       slot->row.constant += markerShift;
+      touch(slot->basic);
       noteRow(*slot);
     } else if (TableRow* partner = tag.other.valid() ? basicRow(tag.other) : nullptr) {
       partner->row.constant -= markerShift;
+      touch(partner->basic);
       noteRow(*partner);
-    } else if (SymbolInfo* info = infoFor(tag.marker)) {
-      // marker_old = marker_new - markerShift in every row that holds it.
-      for (RowId id : info->column) {
+    } else {
+      // marker_old = marker_new - markerShift in every row that holds it;
+      // each row once, so the column is swept of repeats first.
+      sweepColumn(tag.marker);
+      for (RowId id : infoFor(tag.marker).column) {
         TableRow& target = tableau.rows[id];
         double coefficient = target.row.coefficientFor(tag.marker);
         target.row.constant -= coefficient * markerShift;
+        touch(target.basic);
         noteRow(target);
       }
     }
@@ -959,7 +1190,7 @@ struct Solver::Impl {
   }
 
   Status updateConstant(const Constraint& constraint, double value) {
-    if (!std::isfinite(value)) return Status::InvalidValue;
+    if (!InRange(value, kMaxConstant)) return Status::InvalidValue;
     auto it = constraints.find(constraint.id());
     if (constraint.isNull() || it == constraints.end()) return Status::UnknownConstraint;
     ConstraintInfo& info = it->second;
@@ -973,7 +1204,7 @@ struct Solver::Impl {
     strength = FromPriority(strength.priority);
     if (strength.isRequired()) return Status::RequiredEditStrength;
     double current = variable.value();
-    if (!std::isfinite(current)) current = 0.0;
+    if (!InRange(current, kMaxConstant)) current = 0.0;
     Constraint constraint(Expression(variable) - current, Relation::Equal, strength);
     Status status = add(constraint);
     if (status != Status::Ok) return status;
@@ -992,7 +1223,7 @@ struct Solver::Impl {
   // The edit constraint is `variable - value = plus - minus`: suggesting a
   // value is changing its constant to -value.
   Status suggest(const Variable& variable, double value) {
-    if (!std::isfinite(value)) return Status::InvalidValue;
+    if (!InRange(value, kMaxConstant)) return Status::InvalidValue;
     auto it = edits.find(variable.id());
     if (it == edits.end()) return Status::UnknownEditVariable;
     ConstraintInfo& info = constraints.at(it->second.constraint.id());
@@ -1001,16 +1232,21 @@ struct Solver::Impl {
     return status;
   }
 
+  // Writes the values that moved since the last call: only the variables
+  // whose rows changed are looked at.
   void update(std::vector<Variable>* changed) {
-    for (VariableInfo& info : variableList) {
-      std::int64_t row = info.info->row;
+    for (std::size_t index : dirtyVariables) {
+      VariableInfo& info = variableList[index];
+      info.dirty = false;
+      std::int32_t row = infoFor(info.symbol).row;
       double value = row != kNoRow ? tableau.rows[static_cast<RowId>(row)].row.constant : 0.0;
       if (value == 0.0) value = 0.0;  // no -0 in frames
-      if (changed != nullptr && value != info.variable.value()) {
-        changed->push_back(info.variable);
-      }
+      if (value == info.written) continue;
+      info.written = value;
       info.variable.setValue(value);
+      if (changed) changed->push_back(info.variable);
     }
+    dirtyVariables.clear();
   }
 };
 
@@ -1091,8 +1327,8 @@ void Solver::updateVariables(std::vector<Variable>* changed) noexcept {
   try {
     impl_->update(changed);
   } catch (...) {
-    // Only the list can fail to grow; the values are written regardless.
-    impl_->update(nullptr);
+    // Only appending to `changed` can throw (bad_alloc); the values are
+    // written all the same on the next call.
   }
 }
 

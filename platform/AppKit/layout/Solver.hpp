@@ -22,7 +22,7 @@ enum class Status {
   UnknownConstraint,     // removing a constraint the solver does not hold
   UnknownEditVariable,   // editing a variable that is not an edit variable
   RequiredEditStrength,  // edit variables must be weaker than required
-  InvalidValue,          // null constraint, NaN or infinite number
+  InvalidValue,          // null constraint, or a number out of range (see Solver)
   IterationLimit,        // pivot cap hit; should never happen, but never hangs
   InternalError,         // allocation failure or a broken tableau
 };
@@ -30,8 +30,19 @@ enum class Status {
 const char* StatusName(Status status);
 
 // Not thread-safe. A moved-from solver may only be destroyed or assigned to.
+//
+// Numbers: a coefficient (a variable's repeated terms summed) is at most
+// kMaxCoefficient in magnitude, and a constant, a suggested value or a new
+// constant at most kMaxConstant. Within that, points keep sub-nanopoint
+// precision through the tableau's arithmetic, and rows never overflow.
+// Anything else (NaN and infinities too) answers InvalidValue before the
+// solver touches anything. Coefficients below 1e-8 in magnitude count as 0.
+// An edit variable whose value() is out of range starts at 0.
 class Solver {
  public:
+  static constexpr double kMaxCoefficient = 1.0e6;
+  static constexpr double kMaxConstant = 1.0e7;
+
   Solver();
   ~Solver();
   Solver(Solver&&) noexcept;
@@ -69,9 +80,13 @@ class Solver {
   // The constant the solver holds for `constraint`: false if it holds none.
   bool constantOf(const Constraint& constraint, double& constant) const noexcept;
 
-  // Writes the solved values into every variable the solver knows.
+  // Writes the solved values into the variables the solver knows. Only the
+  // values that moved since the last update are written (a variable new to
+  // the solver is always written once), so a call costs what changed, not
+  // the size of the system; a value set on a variable by hand in between is
+  // left as it is unless the solver moves that variable.
   void updateVariables() noexcept;
-  // The same, and appends to `changed` each variable whose value it changed.
+  // The same, and appends to `changed` each variable whose value it wrote.
   void updateVariables(std::vector<Variable>* changed) noexcept;
   // Drops every constraint and edit variable.
   void reset() noexcept;
