@@ -21,6 +21,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <unordered_set>
+
 #import "platform/objc/TVRuntime.h"
 
 #if __has_feature(objc_arc)
@@ -73,10 +75,45 @@ static NSDictionary *TVSetOptions(id options) {
   return [set count] != 0 ? set : nil;
 }
 
+// GNUstep keeps each bound object in a table that does not retain it, and
+// forgets it only when a view or menu item deallocates, or on unbind of
+// everything: a plain object that was ever bound and then deallocated
+// stays behind, and a later lookup messages it. Bound objects are recorded
+// here and taken out of GNUstep's table as they deallocate.
+@interface NSObject (TalvoGSKeyValueBinding)
++ (void)unbindAllForObject:(id)object;
+@end
+
+static std::unordered_set<id> *boundObjects = new std::unordered_set<id>();
+static void (*originalObjectDealloc)(id, SEL) = NULL;
+
+static void TVForgetBindingsOnDealloc(id object, SEL selector) {
+  if (boundObjects->erase(object) != 0) {
+    Class bindingClass = objc_lookUpClass("GSKeyValueBinding");
+    [(id)bindingClass unbindAllForObject:object];
+  }
+  originalObjectDealloc(object, selector);
+}
+
+static void TVRecordBoundObject(id object) {
+  if (object == nil) {
+    return;
+  }
+  if (originalObjectDealloc == NULL) {
+    originalObjectDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
+        [NSObject class], @selector(dealloc), (IMP)TVForgetBindingsOnDealloc);
+  }
+  boundObjects->insert(object);
+}
+
 static id TVInitBinding(id binding, SEL selector, NSString *name, NSString *bindingName,
                         id destination, NSString *keyPath, NSDictionary *options, id source) {
-  return originalInitBinding(binding, selector, name, bindingName, destination, keyPath,
-                             TVSetOptions(options), source);
+  binding = originalInitBinding(binding, selector, name, bindingName, destination, keyPath,
+                                TVSetOptions(options), source);
+  if (binding != nil) {
+    TVRecordBoundObject(source);
+  }
+  return binding;
 }
 
 // KVO reports a nil new value as NSNull; a binding passes nil on (or the
