@@ -12,6 +12,10 @@ NS_ASSUME_NONNULL_BEGIN
 - (NSString *)caption;
 /** A new view showing the page, autoreleased. */
 - (NSView *)makeViewWithFrame:(NSRect)frame;
+@optional
+/** One line on where the page's views ended up, printed by the headless
+ * renderer so that its test can check them. */
+- (NSString *)layoutReportForView:(NSView *)pageView;
 @end
 
 /** The pages, in gallery order. */

@@ -74,6 +74,9 @@ static BOOL RenderPage(id<GalleryPage> page, NSString *directory, int scale) {
       rendered = [png writeToFile:path atomically:YES];
       printf("%s (%ldx%ld px)\n  %s: %s\n", [path UTF8String], (long)[rep pixelsWide],
              (long)[rep pixelsHigh], [[page title] UTF8String], [[page caption] UTF8String]);
+      if ([page respondsToSelector:@selector(layoutReportForView:)]) {
+        printf("  layout: %s\n", [[page layoutReportForView:view] UTF8String]);
+      }
     }
     [window close];
     [window release];

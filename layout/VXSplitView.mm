@@ -16,7 +16,6 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
 
 @synthesize animated = _animated;
 @synthesize autosavedSizes = _autosavedSizes;
-@synthesize dividerDrawer = _dividerDrawer;
 @synthesize delegate = _delegate;
 @synthesize backgroundColor = _backgroundColor;
 @synthesize viewStackConstraints = _viewStackConstraints;
@@ -61,6 +60,21 @@ static const NSLayoutPriority VXSplitViewPositionPriority = 490;
 }
 
 #pragma mark - Public
+
+// Written out: the runtime's synthesized copy setter leaves a block literal
+// on the stack it was made on.
+- (VXSplitViewDividerDrawer)dividerDrawer {
+  return [[_dividerDrawer retain] autorelease];
+}
+
+- (void)setDividerDrawer:(VXSplitViewDividerDrawer)drawer {
+  if (drawer == _dividerDrawer) {
+    return;
+  }
+  VXSplitViewDividerDrawer old = _dividerDrawer;
+  _dividerDrawer = [drawer copy];
+  [old release];
+}
 
 - (double)dividerThickness {
   return 1.0;

@@ -11,6 +11,11 @@
 
 using talvo::layout::Edge;
 
+// Every answer reads the split view: anything else gets nil, zero or nothing.
+static BOOL IsSplitView(id splitView) {
+  return [splitView isKindOfClass:[VXSplitView class]];
+}
+
 @implementation VXSplitViewPositioner
 
 + (Class)positionerForPosition:(VXSplitViewPushPosition)position {
@@ -48,16 +53,25 @@ using talvo::layout::Edge;
 @implementation VXSplitViewPositionerAtBeginning
 
 + (NSView *)positionedViewInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   NSArray *subviews = [splitView subviews];
   return [subviews count] > 0 ? [subviews objectAtIndex:0] : nil;
 }
 
 + (NSLayoutConstraint *)sideConstraintInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   NSArray *constraints = [splitView viewStackConstraints];
   return [constraints count] > 0 ? [constraints objectAtIndex:0] : nil;
 }
 
 + (NSLayoutConstraint *)dividerConstraintInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   NSArray *constraints = [splitView positionConstraints];
   return [constraints count] > 0 ? [constraints objectAtIndex:0] : nil;
 }
@@ -65,6 +79,9 @@ using talvo::layout::Edge;
 + (void)pushView:(NSView *)view
       atPosition:(VXSplitViewPushPosition)position
      inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return;
+  }
   NSArray *subviews = [splitView subviews];
   [splitView addSubview:view
              positioned:NSWindowBelow
@@ -72,10 +89,16 @@ using talvo::layout::Edge;
 }
 
 + (double)initialDividerConstantForWidth:(double)width inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return 0.0;
+  }
   return talvo::layout::InitialDividerConstant(Edge::Beginning, width, NSWidth([splitView bounds]));
 }
 
 + (double)finalDividerConstantForWidth:(double)width inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return 0.0;
+  }
   return talvo::layout::FinalDividerConstant(Edge::Beginning, width, NSWidth([splitView bounds]),
                                              [splitView dividerThickness]);
 }
@@ -85,6 +108,9 @@ using talvo::layout::Edge;
 @implementation VXSplitViewPositionerAtEnd
 
 + (NSView *)positionedViewInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   for (NSView *view in [[splitView subviews] reverseObjectEnumerator]) {
     if (![view isKindOfClass:[VXSplitViewDivider class]]) {
       return view;
@@ -94,24 +120,39 @@ using talvo::layout::Edge;
 }
 
 + (NSLayoutConstraint *)sideConstraintInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   return [[splitView viewStackConstraints] lastObject];
 }
 
 + (NSLayoutConstraint *)dividerConstraintInSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return nil;
+  }
   return [[splitView positionConstraints] lastObject];
 }
 
 + (void)pushView:(NSView *)view
       atPosition:(VXSplitViewPushPosition)position
      inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return;
+  }
   [splitView addSubview:view positioned:NSWindowAbove relativeTo:[[splitView subviews] lastObject]];
 }
 
 + (double)initialDividerConstantForWidth:(double)width inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return 0.0;
+  }
   return talvo::layout::InitialDividerConstant(Edge::End, width, NSWidth([splitView bounds]));
 }
 
 + (double)finalDividerConstantForWidth:(double)width inSplitView:(VXSplitView *)splitView {
+  if (!IsSplitView(splitView)) {
+    return 0.0;
+  }
   return talvo::layout::FinalDividerConstant(Edge::End, width, NSWidth([splitView bounds]),
                                              [splitView dividerThickness]);
 }

@@ -132,4 +132,25 @@
   return page;
 }
 
+- (NSString *)layoutReportForView:(NSView *)pageView {
+  NSMutableArray *parts = [NSMutableArray array];
+  for (NSView *view in [pageView subviews]) {
+    if (![view isKindOfClass:[VXSplitView class]]) {
+      continue;
+    }
+    for (NSView *panel in [(VXSplitView *)view viewsInLayout]) {
+      NSString *name = @"?";
+      for (NSView *label in [panel subviews]) {
+        if ([label isKindOfClass:[NSTextField class]]) {
+          name = [(NSTextField *)label stringValue];
+        }
+      }
+      NSRect frame = [panel frame];
+      [parts addObject:[NSString stringWithFormat:@"%@ %g+%g", name, NSMinX(frame),
+                                                  NSWidth(frame)]];
+    }
+  }
+  return [parts componentsJoinedByString:@" "];
+}
+
 @end

@@ -18,6 +18,11 @@ if grep -v -E "$noise" "$log" | grep -i -E 'error|exception|unable to|raised' > 
   echo "gallery logged an error"
   exit 1
 fi
+# The split view page starts with its three panels at their autosaved widths.
+if ! grep -E 'layout: Navigator 0\+180 Content 181\+[0-9.]+ Inspector [0-9.]+\+200$' "$log" > /dev/null; then
+  echo "the split view page's panels are not at their widths"
+  exit 1
+fi
 count=$(ls "$out/pages"/*.png 2>/dev/null | wc -l)
 echo "$count pages rendered"
 [ "$count" -ge 6 ]

@@ -98,20 +98,15 @@ TEST_F(LayoutRobustness, Positioners) {
   }
 }
 
-// Disabled: layout/ raises here (NSInvalidArgumentException, "NSIntNumber
-// does not recognize bounds"): -pushSubView:atPosition:autosaveName: sends
-// view messages to a pushed object that is not a view. Enable once it
-// refuses such an object.
-TEST_F(LayoutRobustness, DISABLED_SplitViewPushOfANonView) {
+// A pushed object that is not a view is refused.
+TEST_F(LayoutRobustness, SplitViewPushOfANonView) {
   Owned<VXSplitView> split([[VXSplitView alloc] initWithFrame:NSMakeRect(0, 0, 300, 200)]);
   EXPECT_CALM([split.get() pushSubView:bad::WrongObject() atPosition:VXSplitViewPushPositionEnd autosaveName:nil]);
 }
 
-// Disabled: layout/ raises here: every positioner class method sends split
-// view messages (subviews, viewStackConstraints, positionConstraints,
-// bounds) to an argument that is not a split view. Enable once they answer
-// nil / 0 for it.
-TEST_F(LayoutRobustness, DISABLED_PositionersWithANonSplitView) {
+// Positioners asked about something that is not a split view answer nil or
+// zero.
+TEST_F(LayoutRobustness, PositionersWithANonSplitView) {
   VXSplitView *target = (VXSplitView *)bad::WrongObject();
   for (Class cls : {[VXSplitViewPositionerAtBeginning class], [VXSplitViewPositionerAtEnd class]}) {
     id result = nil;
