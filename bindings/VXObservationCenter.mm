@@ -268,11 +268,19 @@ void RemoveWatch(const void *object, VXObservationCenter *center) {
   }
 }
 
-// Called by the dealloc watch, after the watch entry is gone: the object's
-// KVO registrations went with it, only the handlers are left to drop.
+// Called by the dealloc watch, after the watch entry is gone and before
+// NSObject's dealloc: the registrations and handlers go.
 - (void)tv_observedObjectDidDeallocate:(void *)object {
   NSMutableDictionary *handlers = [(id)NSMapGet(_observedObjects, object) retain];
   NSMapRemove(_observedObjects, object);
+  // The object is still whole (NSObject's dealloc has not run): its KVO
+  // registrations are taken back, or GNUstep keeps their records forever.
+  for (NSString *keyPath in [handlers allKeys]) {
+    @try {
+      [(id)object removeObserver:self forKeyPath:keyPath];
+    } @catch (NSException *exception) {
+    }
+  }
   [handlers release];
 }
 

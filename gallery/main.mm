@@ -145,6 +145,10 @@ static int RunHeadless(NSString *directory, int scale) {
   for (NSView *old in [[[_host subviews] copy] autorelease]) {
     [old removeFromSuperview];
   }
+  // The page is made at the size the host is laid out at: a split view's
+  // panels are placed from its leading edge, so one made wider than it will
+  // be would push its trailing panel out of sight.
+  [[_host window] layoutIfNeeded];
   NSView *view = [page makeViewWithFrame:[_host bounds]];
   [view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
   [_host addSubview:view];

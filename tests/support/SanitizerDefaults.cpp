@@ -6,7 +6,12 @@ extern "C" const char *__lsan_default_suppressions() {
          // The cairo backend's -initGraphics makes a new text matrix each time
          // it runs without freeing the old one; a bitmap-backed context runs it
          // twice. GNUstep's leak, reached through the platform layer's hook.
-         "leak:HInitGraphics\n";
+         "leak:HInitGraphics\n"
+         // GNUstep's KVO keeps the record it made for an observation whose
+         // object deallocates while observed, even after the observer is
+         // removed from inside the object's dealloc (the observation
+         // center does that; the record stays GNUstep's).
+         "leak:_i_VXObservationCenter__observeKeyPath_ofObject_options_changeHandler_\n";
 }
 
 extern "C" const char *__asan_default_options() {
