@@ -49,79 +49,11 @@ NSWindow *NewWindow(NSRect content) {
 
 // --- The bare solver on the split view's system ----------------------------
 
-// What the layout pass gives the solver for a split view of n panels: four
-// variables per view (the split view, the panels, the dividers), the
-// split view's size, each view's non-negative size and weak stays at its
-// present frame, the chain, the heights and the positions at 490.
-struct RawSplitView {
-  struct Box {
-    layout::Variable left, top, width, height;
-    layout::Expression right() const {
-      return layout::Expression(left) + layout::Expression(width);
-    }
-    layout::Expression bottom() const {
-      return layout::Expression(top) + layout::Expression(height);
-    }
-  };
-  layout::Solver solver;
-  Box root;
-  std::vector<Box> views;  // panel, divider, panel, ...
-  std::vector<layout::Constraint> positions;
-
-  explicit RawSplitView(int panels, int mode = 0) {
-    using layout::Constraint;
-    using layout::Expression;
-    using layout::Relation;
-    layout::Strength required = layout::Strength::Required();
-    double width = panels * (kPanelWidth + 1);
-    solver.addConstraint(Constraint::Make(root.left, Relation::Equal, 0.0, required));
-    solver.addConstraint(Constraint::Make(root.top, Relation::Equal, 0.0, required));
-    solver.addConstraint(Constraint::Make(root.width, Relation::Equal, width, required));
-    solver.addConstraint(Constraint::Make(root.height, Relation::Equal, kHeight, required));
-    int count = 2 * panels - 1;
-    views.resize(count);
-    for (int i = 0; i < count; i++) {
-      Box &box = views[i];
-      bool divider = i % 2 == 1;
-      double x = (i / 2) * (kPanelWidth + 1) + (divider ? kPanelWidth : 0);
-      box.left.setValue(x);
-      box.width.setValue(divider ? 0 : kPanelWidth);
-      box.height.setValue(divider ? 0 : kHeight);
-      solver.addConstraint(Constraint::Make(box.width, Relation::GreaterThanOrEqual, 0.0, required));
-      solver.addConstraint(
-          Constraint::Make(box.height, Relation::GreaterThanOrEqual, 0.0, required));
-      if (mode == 0) for (const layout::Variable &v : {box.left, box.top, box.width, box.height}) {
-        solver.addEditVariable(v, layout::Strength{0.5f});
-        solver.suggestValue(v, v.value());
-      }
-    }
-    for (int i = 0; i < count; i++) {
-      Box &box = views[i];
-      Expression leading = i == 0 ? Expression(root.left) : views[i - 1].right();
-      solver.addConstraint(Constraint::Make(box.left, Relation::Equal, leading, required));
-      solver.addConstraint(Constraint::Make(box.top, Relation::Equal, root.top, required));
-      solver.addConstraint(Constraint::Make(root.bottom(), Relation::Equal, box.bottom(), required));
-      if (i % 2 == 1) {
-        solver.addConstraint(Constraint::Make(box.width, Relation::Equal, 1.0, required));
-      }
-    }
-    solver.addConstraint(
-        Constraint::Make(root.right(), Relation::Equal, views.back().right(), required));
-    for (int i = 2; i < count; i += 2) {
-      Constraint position = Constraint::Make(views[i].left, Relation::Equal,
-                                             Expression(root.left) + (i / 2) * (kPanelWidth + 1),
-                                             layout::Strength{490});
-      solver.addConstraint(position);
-      positions.push_back(position);
-    }
-    if (mode == 2) for (Box &box : views) for (const layout::Variable &v : {box.left, box.top, box.width, box.height}) {
-        solver.addEditVariable(v, layout::Strength{0.5f});
-    }
-    solver.updateVariables();
-  }
-};
-
-// The same system written on edges: left, top, right and bottom per view.
+// What the layout pass gives the solver for a split view of n panels: the
+// edges of every view (the split view, the panels, the dividers), the split
+// view's size, each view's non-negative size and, in modes 1 and 3, weak
+// stays on its edges; the chain, the heights and the positions at 490,
+// each position after its view's chain (modes 2 and 3) or all at the end.
 struct RawEdgesSplitView {
   struct Box {
     layout::Variable left, top, right, bottom;
@@ -196,27 +128,6 @@ void BM_RawEdges(benchmark::State &state) {
 }
 BENCHMARK(BM_RawEdges)->ArgsProduct({{10, 100, 300, 1000}, {1, 2, 3}})->Unit(benchmark::kMillisecond);
 
-void BM_RawSolverFirstSolve(benchmark::State &state) {
-  int panels = static_cast<int>(state.range(0));
-  for (auto _ : state) {
-    RawSplitView raw(panels, state.range(1));
-    benchmark::DoNotOptimize(raw.views.back().width.value());
-  }
-}
-BENCHMARK(BM_RawSolverFirstSolve)->ArgsProduct({{10, 100, 300}, {0, 1, 2}})->Unit(benchmark::kMillisecond);
-
-void BM_RawSolverDragStep(benchmark::State &state) {
-  int panels = static_cast<int>(state.range(0));
-  RawSplitView raw(panels);
-  int step = 0;
-  for (auto _ : state) {
-    // The solver keeps lhs - rhs: the position's constant enters negated.
-    raw.solver.updateConstant(raw.positions[0], -(kPanelWidth + 1 + (step++ % 20)));
-    raw.solver.updateVariables();
-    benchmark::DoNotOptimize(raw.views[0].width.value());
-  }
-}
-BENCHMARK(BM_RawSolverDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
 
 // One divider of the edges system dragged, stays on: the position's
 // constant changed in place and the frames read back.

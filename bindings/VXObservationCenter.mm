@@ -275,6 +275,9 @@ void RemoveWatch(const void *object, VXObservationCenter *center) {
   NSMapRemove(_observedObjects, object);
   // The object is still whole (NSObject's dealloc has not run): its KVO
   // registrations are taken back, or GNUstep keeps their records forever.
+  // What that autoreleases goes at once, so that the handlers (and what they
+  // captured) die with the object.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
   for (NSString *keyPath in [handlers allKeys]) {
     @try {
       [(id)object removeObserver:self forKeyPath:keyPath];
@@ -282,6 +285,7 @@ void RemoveWatch(const void *object, VXObservationCenter *center) {
     }
   }
   [handlers release];
+  [pool drain];
 }
 
 @end

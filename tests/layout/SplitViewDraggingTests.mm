@@ -141,16 +141,7 @@ class SplitViewDragging : public PooledTest {
     [log_.get()->_names removeAllObjects];
   }
   void Mouse(NSEventType type, double x, double y = 150) {
-    NSPoint inWindow = [split_ convertPoint:NSMakePoint(x, y) toView:nil];
-    [NSApp sendEvent:[NSEvent mouseEventWithType:type
-                                        location:inWindow
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:[window_.get() windowNumber]
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1]];
+    SendMouseEvent(split_, type, NSMakePoint(x, y));
   }
   NSArray *Names() { return log_.get()->_names; }
 

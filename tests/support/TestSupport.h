@@ -56,6 +56,10 @@ bool HasWindowServer();
 @property(nonatomic, assign) int *deaths;
 @end
 
+// Sends a mouse event of `type` at `point` (in `view`'s coordinates) to the
+// application, for `view`'s window.
+void SendMouseEvent(NSView *view, NSEventType type, NSPoint point);
+
 // A key-down event for `window` (nil: no window).
 NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *charactersIgnoringModifiers,
                       NSUInteger modifierFlags);

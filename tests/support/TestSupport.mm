@@ -85,3 +85,16 @@ NSWindow *NewKeyWindowWithRecorder() {
   [window makeFirstResponder:recorder];
   return window;
 }
+
+void SendMouseEvent(NSView *view, NSEventType type, NSPoint point) {
+  NSPoint inWindow = [view convertPoint:point toView:nil];
+  [NSApp sendEvent:[NSEvent mouseEventWithType:type
+                                      location:inWindow
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:[[view window] windowNumber]
+                                       context:nil
+                                   eventNumber:0
+                                    clickCount:1
+                                      pressure:1]];
+}

@@ -1360,6 +1360,7 @@ void TVRunPassesIfNeeded(NSWindow *window) {
     }
   }
   if (needed) {
+    TVGrowWindowToFit(window);
     TVRunPasses(content);
   }
 }

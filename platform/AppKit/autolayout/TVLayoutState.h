@@ -96,6 +96,10 @@ __attribute__((visibility("hidden"))) NSSize TVFittingSize(NSView *view);
 /** The view controller whose view is `view`, or nil (not retained). */
 __attribute__((visibility("hidden"))) NSViewController *TVViewControllerForView(NSView *view);
 
+/** Grows `window` to the fitting size of its content's constraints, keeping
+ * its top edge, when the content needs more than the window gives. */
+__attribute__((visibility("hidden"))) void TVGrowWindowToFit(NSWindow *window);
+
 /** Runs both passes now for the view tree that holds `view`. */
 __attribute__((visibility("hidden"))) void TVRunLayoutPasses(NSView *view);
 

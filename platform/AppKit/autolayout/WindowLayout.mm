@@ -66,12 +66,11 @@ bool GrowToFit(NSWindow *window) {
   return true;
 }
 
-bool PassPending(NSWindow *window) {
-  _TVViewLayoutState *state = TVLayoutState([window contentView], NO);
-  return state != nil && state->_needsLayout;
-}
-
 }  // namespace
+
+// The layout pass that runs before a window displays grows the window first,
+// so that it lays out the size the content needs.
+void TVGrowWindowToFit(NSWindow *window) { GrowToFit(window); }
 
 #pragma mark - Public
 
@@ -96,9 +95,6 @@ bool PassPending(NSWindow *window) {
 #pragma mark - Hooks
 
 static void (*originalSetFrameDisplay)(id, SEL, NSRect, BOOL) = NULL;
-static void (*originalDisplayIfNeeded)(id, SEL) = NULL;
-static void (*originalDisplay)(id, SEL) = NULL;
-static void (*originalOrderWindow)(id, SEL, NSWindowOrderingMode, NSInteger) = NULL;
 
 // A resize below what the content's constraints need is limited to it; the
 // top edge stays where the caller put it.
@@ -119,33 +115,6 @@ static void TVWindowSetFrameDisplay(id window, SEL selector, NSRect frame, BOOL 
   originalSetFrameDisplay(window, selector, frame, display);
 }
 
-// When a layout pass is due, the window first grows to what its content
-// needs, so that the pass lays out the grown window. These hooks wrap the
-// layout pass's own (installed earlier), which run the pass itself.
-static void TVFitIfPassPending(NSWindow *window) {
-  if (PassPending(window)) {
-    GrowToFit(window);
-  }
-}
-
-static void TVWindowDisplayIfNeeded(id window, SEL selector) {
-  TVFitIfPassPending(window);
-  originalDisplayIfNeeded(window, selector);
-}
-
-static void TVWindowDisplay(id window, SEL selector) {
-  TVFitIfPassPending(window);
-  originalDisplay(window, selector);
-}
-
-static void TVWindowOrder(id window, SEL selector, NSWindowOrderingMode place,
-                          NSInteger other) {
-  if (place != NSWindowOut) {
-    TVFitIfPassPending(window);
-  }
-  originalOrderWindow(window, selector, place, other);
-}
-
 @interface _TVWindowLayoutHooks : NSObject
 @end
 
@@ -155,12 +124,6 @@ static void TVWindowOrder(id window, SEL selector, NSWindowOrderingMode place,
   Class window = [NSWindow class];
   originalSetFrameDisplay = (void (*)(id, SEL, NSRect, BOOL))TVReplaceInstanceMethod(
       window, @selector(setFrame:display:), (IMP)TVWindowSetFrameDisplay);
-  originalDisplayIfNeeded = (void (*)(id, SEL))TVReplaceInstanceMethod(
-      window, @selector(displayIfNeeded), (IMP)TVWindowDisplayIfNeeded);
-  originalDisplay =
-      (void (*)(id, SEL))TVReplaceInstanceMethod(window, @selector(display), (IMP)TVWindowDisplay);
-  originalOrderWindow = (void (*)(id, SEL, NSWindowOrderingMode, NSInteger))TVReplaceInstanceMethod(
-      window, @selector(orderWindow:relativeTo:), (IMP)TVWindowOrder);
 }
 
 @end
