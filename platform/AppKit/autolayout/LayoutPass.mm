@@ -754,7 +754,9 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
       continue;
     }
     auto next = std::next(it);
-    removedAny = removedAny || !entry.solverConstraint.isNull();
+    // Only a required constraint can have held a refused (required) one off.
+    removedAny = removedAny ||
+                 (!entry.solverConstraint.isNull() && entry.priority >= NSLayoutPriorityRequired);
     RemoveInstalled(it);
     it = next;
   }
