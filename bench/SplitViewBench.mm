@@ -325,6 +325,87 @@ void BM_SlideFrame(benchmark::State &state) {
 }
 BENCHMARK(BM_SlideFrame)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
 
+
+// A conflict storm through AppKit: 12 views and random constraints between
+// their edges, 1000 installed in batches of 100 (many of them refused as
+// unsatisfiable); then one pass that adds a batch of 100 more, and one that
+// removes a single required constraint. The log lines of the refusals are
+// part of the cost.
+struct Storm {
+  NSView *root = nil;
+  std::vector<NSView *> views;
+  unsigned seed = 7;
+  unsigned Next() {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 8) & 0xffffff;
+  }
+  NSArray *Batch(int count) {
+    static const NSLayoutAttribute attributes[] = {
+        NSLayoutAttributeLeft, NSLayoutAttributeRight, NSLayoutAttributeTop,
+        NSLayoutAttributeBottom, NSLayoutAttributeWidth, NSLayoutAttributeHeight};
+    NSMutableArray *batch = [NSMutableArray array];
+    for (int i = 0; i < count; i++) {
+      NSView *a = views[Next() % views.size()];
+      NSView *b = views[Next() % views.size()];
+      NSLayoutConstraint *constraint = [NSLayoutConstraint
+          constraintWithItem:a
+                   attribute:attributes[Next() % 6]
+                   relatedBy:(NSLayoutRelation)((int)(Next() % 3) - 1)
+                      toItem:b
+                   attribute:attributes[Next() % 6]
+                  multiplier:1
+                    constant:(double)(Next() % 200)];
+      if (Next() % 2 == 0) {
+        [constraint setPriority:(NSLayoutPriority)(1 + Next() % 999)];
+      }
+      [batch addObject:constraint];
+    }
+    return batch;
+  }
+};
+
+void BM_ConflictStormPass(benchmark::State &state) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Storm storm;
+  storm.root = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 800, 600)];
+  for (int i = 0; i < 12; i++) {
+    NSView *view = [[NSView alloc] initWithFrame:NSMakeRect(i * 10, i * 10, 50, 50)];
+    [view setTranslatesAutoresizingMaskIntoConstraints:NO];
+    [storm.root addSubview:view];
+    storm.views.push_back(view);
+    [view release];
+  }
+  for (int batch = 0; batch < 10; batch++) {
+    [storm.root addConstraints:storm.Batch(100)];
+    [storm.root layoutSubtreeIfNeeded];
+  }
+  bool removing = state.range(0) == 1;
+  for (auto _ : state) {
+    state.PauseTiming();
+    NSAutoreleasePool *inner = [NSAutoreleasePool new];
+    NSArray *batch = removing ? nil : storm.Batch(100);
+    NSLayoutConstraint *leaving = nil;
+    for (NSLayoutConstraint *constraint in [storm.root constraints]) {
+      if ([constraint priority] == NSLayoutPriorityRequired) {
+        leaving = constraint;
+      }
+    }
+    state.ResumeTiming();
+    if (removing) {
+      [storm.root removeConstraint:leaving];
+    } else {
+      [storm.root addConstraints:batch];
+    }
+    [storm.root layoutSubtreeIfNeeded];
+    state.PauseTiming();
+    [inner drain];
+    state.ResumeTiming();
+  }
+  state.counters["installed"] = (double)[[storm.root constraints] count];
+  [storm.root release];
+  [pool drain];
+}
+BENCHMARK(BM_ConflictStormPass)->Arg(0)->Arg(1)->Iterations(5)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char **argv) {
