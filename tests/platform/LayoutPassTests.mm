@@ -205,4 +205,43 @@ TEST_F(LayoutPass, ReleasingASplitViewReleasesItsViewsAndConstraints) {
   EXPECT_EQ([[again.get() dividerViews] count], 2u);
 }
 
+
+// Constraints refused as unsatisfiable are tried again when a required one
+// leaves: a few in the pass that follows, the rest in the passes after it,
+// each pass asking for the next until none is left waiting.
+TEST_F(LayoutPass, RefusedConstraintsComeBackOverTheFollowingPasses) {
+  Owned<NSView> root([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 300, 200)]);
+  NSView *view = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 5, 5)] autorelease];
+  [view setTranslatesAutoresizingMaskIntoConstraints:NO];
+  [root.get() addSubview:view];
+  auto width = [&](double points) {
+    return [NSLayoutConstraint constraintWithItem:view
+                                        attribute:NSLayoutAttributeWidth
+                                        relatedBy:NSLayoutRelationEqual
+                                           toItem:nil
+                                        attribute:NSLayoutAttributeNotAnAttribute
+                                       multiplier:1
+                                         constant:points];
+  };
+  NSLayoutConstraint *narrow = width(10);
+  [root.get() addConstraint:narrow];
+  for (int i = 0; i < 40; i++) {
+    [root.get() addConstraint:width(20)];  // each refused while narrow holds
+  }
+  NSUInteger broken = TVLayoutBrokenConstraintCount();
+  [root.get() layoutSubtreeIfNeeded];
+  EXPECT_EQ(TVLayoutBrokenConstraintCount(), broken + 40);
+  EXPECT_EQ(NSWidth([view frame]), 10);
+
+  [root.get() removeConstraint:narrow];
+  [root.get() layoutSubtreeIfNeeded];
+  EXPECT_EQ(NSWidth([view frame]), 20);
+  EXPECT_TRUE([root.get() needsLayout]);  // more tries are owed
+  for (int pass = 0; pass < 5 && [root.get() needsLayout]; pass++) {
+    [root.get() layoutSubtreeIfNeeded];
+  }
+  EXPECT_FALSE([root.get() needsLayout]);
+  EXPECT_EQ(TVLayoutBrokenConstraintCount(), broken + 40);  // none refused again
+}
+
 }  // namespace

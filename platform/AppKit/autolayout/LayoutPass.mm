@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -236,8 +237,13 @@ struct TVLayoutEngine {
   std::unordered_map<NSLayoutConstraint *, InstalledConstraint> installed;  // retained
   // Items whose frame was set by code since the last pass.
   std::unordered_set<id> movedItems;
-  // Refused constraints, tried again when one that may conflict goes.
+  // Refused constraints, tried again when one that may conflict goes: a
+  // few for each change in one pass, the rest in the passes that follow.
   std::unordered_set<NSLayoutConstraint *> refused;
+  std::deque<NSLayoutConstraint *> retries;  // refused ones waiting for a try
+  size_t retryBudget = 0;                    // tries this pass may make
+  bool retriesPending = false;               // another pass is owed to them
+  bool retrying = false;  // a refused constraint refused again is not logged again
   // The frames the last solve computed, by parent, for layout to apply.
   FramesByParent framesToApply;
   // Items dropped since the solver was made: their variables stay in it.
@@ -425,6 +431,7 @@ struct TVLayoutEngine {
   void RemoveInstalled(std::unordered_map<NSLayoutConstraint *, InstalledConstraint>::iterator it);
   void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
   void RetryRefused();
+  bool RunRetries();
   void ApplyPendingConstants();
   void CollectFrames(bool all);
   void Solve(NSView *root, bool structureChanged);
@@ -698,7 +705,7 @@ bool TVLayoutEngine::AddInstalled(NSLayoutConstraint *constraint, InstalledConst
     return true;
   }
   refused.insert(constraint);
-  if (fitting) {
+  if (fitting || retrying) {
     return false;
   }
   if (status == talvo::layout::Status::Unsatisfiable) {
@@ -722,21 +729,42 @@ void TVLayoutEngine::RemoveInstalled(
   installed.erase(it);
 }
 
-// Constraints refused earlier, tried again after something that held them
-// off may have gone (a constraint removed, a frame or the root's size
-// changed).
+// Constraints refused earlier, queued for another try after something that
+// held them off may have gone (a required constraint removed, a frame or the
+// root's size changed). Each such change buys a few tries in this pass, so
+// that a pass costs what changed even with hundreds refused; the rest are
+// tried in the passes that follow.
+const size_t kRetriesPerChange = 16;
+
 void TVLayoutEngine::RetryRefused() {
   if (refused.empty()) {
     return;
   }
-  std::vector<NSLayoutConstraint *> retry(refused.begin(), refused.end());
-  refused.clear();
-  for (NSLayoutConstraint *constraint : retry) {
+  retries.assign(refused.begin(), refused.end());
+  retryBudget += kRetriesPerChange;
+}
+
+// Spends this pass's budget on the queue; answers whether tries are left.
+bool TVLayoutEngine::RunRetries() {
+  size_t budget = std::max(retryBudget, kRetriesPerChange);
+  retryBudget = 0;
+  while (budget > 0 && !retries.empty()) {
+    NSLayoutConstraint *constraint = retries.front();
+    retries.pop_front();
+    // Still refused and still installed (a constraint that left was taken
+    // out of `refused`, so a stale entry is passed over).
+    if (refused.erase(constraint) == 0) {
+      continue;
+    }
+    budget--;
     auto found = installed.find(constraint);
     if (found != installed.end() && found->second.solverConstraint.isNull()) {
+      retrying = true;
       AddInstalled(constraint, found->second);
+      retrying = false;
     }
   }
+  return !retries.empty();
 }
 
 void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current) {
@@ -755,8 +783,10 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
     }
     auto next = std::next(it);
     // Only a required constraint can have held a refused (required) one off.
-    removedAny = removedAny ||
-                 (!entry.solverConstraint.isNull() && entry.priority >= NSLayoutPriorityRequired);
+    if (!entry.solverConstraint.isNull() && entry.priority >= NSLayoutPriorityRequired) {
+      removedAny = true;
+      retryBudget += kRetriesPerChange;
+    }
     RemoveInstalled(it);
     it = next;
   }
@@ -1023,6 +1053,7 @@ void TVLayoutEngine::Solve(NSView *root, bool structureChanged) {
     }
   }
   ApplyPendingConstants();
+  retriesPending = RunRetries();
   CollectFrames(structureChanged);
 }
 
@@ -1141,6 +1172,7 @@ static void TVRunPasses(NSView *root) {
   }
   TVLayoutEngine *engine = rootState->_engine;
   engine->Solve(root, structureChanged);
+  bool owed = engine->retriesPending;
 
   FramesByParent frames;
   frames.swap(engine->framesToApply);
@@ -1181,6 +1213,15 @@ static void TVRunPasses(NSView *root) {
   }
   solvedFrames = outerFrames;
   rootState->_needsLayout = NO;
+  if (owed) {
+    // Refused constraints still wait for a try: the next pass makes more.
+    rootState->_needsLayout = YES;
+    NSWindow *window = [root window];
+    if (window == nil) {
+      detachedRoots->insert(root);
+    }
+    [window setViewsNeedDisplay:YES];
+  }
   [root release];
   [pool drain];
 }
