@@ -80,6 +80,23 @@ void Check(bool condition, const char *what) {
 
 }  // namespace
 
+// TALVO_FUZZ_TRACE=1 prints each operation, to turn a reproducer into a test.
+bool Tracing() {
+  static const bool tracing = std::getenv("TALVO_FUZZ_TRACE") != nullptr;
+  return tracing;
+}
+
+void TraceConstraint(const char *what, const Constraint &c, Status status) {
+  if (!Tracing()) return;
+  std::fprintf(stderr, "%s #%llu:", what, (unsigned long long)c.id());
+  for (const Term &term : c.expression().terms()) {
+    std::fprintf(stderr, " %+.17g*%s", term.coefficient, term.variable.name().c_str());
+  }
+  std::fprintf(stderr, " %+.17g %s 0 @%g -> %s\n", c.expression().constant(),
+               c.relation() == Relation::Equal ? "==" : (c.relation() == Relation::LessThanOrEqual ? "<=" : ">="),
+               c.strength().priority, talvo::layout::StatusName(status));
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   FuzzedDataProvider in(data, size);
   std::vector<Variable> variables;
@@ -107,6 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         }
         bool held = solver.hasConstraint(c);
         Status status = solver.addConstraint(c);
+        TraceConstraint("add", c, status);
         Check(status != Status::Ok || solver.hasConstraint(c), "added but not held");
         if (status != Status::Ok) Check(solver.hasConstraint(c) == held, "a failed add changed it");
         constraints.push_back(c);
@@ -117,6 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         const Constraint &c = constraints[in.ConsumeIntegralInRange<size_t>(0, constraints.size() - 1)];
         bool held = solver.hasConstraint(c);
         Status status = solver.removeConstraint(c);
+        TraceConstraint("remove", c, status);
         if ((status == Status::Ok) != held) {
           std::fprintf(stderr, "remove answered %s for a constraint %s\n",
                        talvo::layout::StatusName(status), held ? "held" : "not held");
@@ -129,6 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         const Variable &v = variables[in.ConsumeIntegralInRange<size_t>(0, variables.size() - 1)];
         bool had = solver.hasEditVariable(v);
         Status status = solver.addEditVariable(v, PickStrength(in));
+        if (Tracing()) std::fprintf(stderr, "edit %s -> %s\n", v.name().c_str(), talvo::layout::StatusName(status));
         if (status == Status::Ok) Check(!had && solver.hasEditVariable(v), "edit add bookkeeping");
         else Check(solver.hasEditVariable(v) == had, "a failed edit add changed it");
         break;
@@ -137,13 +157,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         const Variable &v = variables[in.ConsumeIntegralInRange<size_t>(0, variables.size() - 1)];
         bool had = solver.hasEditVariable(v);
         Status status = solver.removeEditVariable(v);
+        if (Tracing()) std::fprintf(stderr, "unedit %s -> %s\n", v.name().c_str(), talvo::layout::StatusName(status));
         Check((status == Status::Ok) == had, "edit remove disagrees with hasEditVariable");
         Check(!solver.hasEditVariable(v), "edit removed but still there");
         break;
       }
       case Suggest: {
         const Variable &v = variables[in.ConsumeIntegralInRange<size_t>(0, variables.size() - 1)];
-        (void)solver.suggestValue(v, Number(in));
+        double value = Number(in);
+        Status status = solver.suggestValue(v, value);
+        if (Tracing()) std::fprintf(stderr, "suggest %s %.17g -> %s\n", v.name().c_str(), value, talvo::layout::StatusName(status));
         break;
       }
       case UpdateConstant: {
@@ -153,6 +176,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         bool held = solver.constantOf(c, before);
         double wanted = Number(in);
         Status status = solver.updateConstant(c, wanted);
+        if (Tracing()) std::fprintf(stderr, "constant #%llu %.17g -> %s\n", (unsigned long long)c.id(), wanted, talvo::layout::StatusName(status));
         double after = 0.0;
         Check(solver.constantOf(c, after) == held, "updateConstant changed whether it is held");
         if (held && status == Status::Ok) Check(after == wanted, "the new constant is not kept");
@@ -168,6 +192,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       case Reset:
         if (in.ConsumeIntegralInRange<int>(0, 3) == 0) {
           solver.reset();
+          if (Tracing()) std::fprintf(stderr, "reset\n");
           for (const Constraint &c : constraints) Check(!solver.hasConstraint(c), "reset kept a constraint");
         }
         break;
