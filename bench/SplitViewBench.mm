@@ -47,6 +47,22 @@ NSWindow *NewWindow(NSRect content) {
   return window;
 }
 
+// A split view of `panels` panels as the content of a new window (returned
+// +1 in *window), laid out once.
+VXSplitView *NewLaidOutSplitViewInWindow(int panels, NSWindow **window) {
+  VXSplitView *split = NewSplitView(panels);
+  *window = NewWindow([split frame]);
+  [*window setContentView:split];
+  [split layoutSubtreeIfNeeded];
+  return split;
+}
+
+void ReleaseWindowAndSplitView(NSWindow *window, VXSplitView *split) {
+  [window close];
+  [window release];
+  [split release];
+}
+
 // --- The bare solver on the split view's system ----------------------------
 
 // What the layout pass gives the solver for a split view of n panels: the
@@ -190,10 +206,8 @@ BENCHMARK(BM_SplitViewFirstPassInWindow)->Apply(PanelCounts)->Unit(benchmark::kM
 void BM_SplitViewDragStep(benchmark::State &state) {
   int panels = static_cast<int>(state.range(0));
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  VXSplitView *split = NewSplitView(panels);
-  NSWindow *window = NewWindow([split frame]);
-  [window setContentView:split];
-  [split layoutSubtreeIfNeeded];
+  NSWindow *window = nil;
+  VXSplitView *split = NewLaidOutSplitViewInWindow(panels, &window);
   NSLayoutConstraint *position = [[split positionConstraints] objectAtIndex:0];
   double base = [position constant];
   int step = 0;
@@ -201,9 +215,7 @@ void BM_SplitViewDragStep(benchmark::State &state) {
     [position setConstant:base + (step++ % 20)];
     [split layoutSubtreeIfNeeded];
   }
-  [window close];
-  [window release];
-  [split release];
+  ReleaseWindowAndSplitView(window, split);
   [pool drain];
 }
 BENCHMARK(BM_SplitViewDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);
@@ -212,16 +224,12 @@ BENCHMARK(BM_SplitViewDragStep)->Apply(PanelCounts)->Unit(benchmark::kMicrosecon
 void BM_SplitViewIdlePass(benchmark::State &state) {
   int panels = static_cast<int>(state.range(0));
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  VXSplitView *split = NewSplitView(panels);
-  NSWindow *window = NewWindow([split frame]);
-  [window setContentView:split];
-  [split layoutSubtreeIfNeeded];
+  NSWindow *window = nil;
+  VXSplitView *split = NewLaidOutSplitViewInWindow(panels, &window);
   for (auto _ : state) {
     [split layoutSubtreeIfNeeded];
   }
-  [window close];
-  [window release];
-  [split release];
+  ReleaseWindowAndSplitView(window, split);
   [pool drain];
 }
 BENCHMARK(BM_SplitViewIdlePass)->Apply(PanelCounts)->Unit(benchmark::kMicrosecond);

@@ -102,9 +102,7 @@ NSString *const VXSplitViewDidDragDividerNotification = @"VXSplitViewDidDragDivi
   // The drag moves the installed positions: a slide still running ends
   // now, and a set left stale by an earlier change is renewed first.
   [self _settleRunningSlide];
-  if (![self _constraintSetsMatchViews]) {
-    [self _rebuildConstraintsWithIntents:[self _positionIntents]];
-  }
+  [self _renewConstraintSetsIfStale];
   [self _updatePositionConstraints];
   if ((NSUInteger)index >= [_positionConstraints count]) {
     return;

@@ -45,6 +45,8 @@ NS_ASSUME_NONNULL_BEGIN
 - (NSArray *)_subviewsInLayout;
 /** Whether the installed sets belong to the views the split view holds. */
 - (BOOL)_constraintSetsMatchViews;
+/** Renews both sets (positions from their intents) when they do not. */
+- (void)_renewConstraintSetsIfStale;
 
 @end
 

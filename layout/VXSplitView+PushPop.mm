@@ -73,6 +73,15 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
   }
 }
 
+// Opens the animation group of one slide; the caller sets its completion,
+// animates and closes it.
+void BeginSlideGroup(NSString *timing) {
+  [NSAnimationContext beginGrouping];
+  NSAnimationContext *context = [NSAnimationContext currentContext];
+  [context setDuration:VXSplitViewSlideDuration];
+  [context setTimingFunction:[CAMediaTimingFunction functionWithName:timing]];
+}
+
 }  // namespace
 
 @implementation VXSplitView (PushPop)
@@ -135,10 +144,8 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
   BeginSlide(self, slide);
   [side setConstant:-width];
   [divider setConstant:[positioner initialDividerConstantForWidth:width inSplitView:self]];
-  [NSAnimationContext beginGrouping];
+  BeginSlideGroup(kCAMediaTimingFunctionEaseOut);
   NSAnimationContext *context = [NSAnimationContext currentContext];
-  [context setDuration:VXSplitViewSlideDuration];
-  [context setTimingFunction:[CAMediaTimingFunction functionWithName:kCAMediaTimingFunctionEaseOut]];
   [self retain];  // until the slide has ended
   [slide retain];
   [context setCompletionHandler:^{
@@ -175,10 +182,7 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
     [self removePoppedView:view position:position];
     return;
   }
-  // The slide moves the installed constraints: they must be the views' own.
-  if (![self _constraintSetsMatchViews]) {
-    [self _rebuildConstraintsWithIntents:[self _positionIntents]];
-  }
+  [self _renewConstraintSetsIfStale];
   NSLayoutConstraint *side = [positioner sideConstraintInSplitView:self];
   NSLayoutConstraint *divider = [positioner dividerConstraintInSplitView:self];
   _isInAnimation = YES;
@@ -186,12 +190,9 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
   slide->_isPop = YES;
   slide->_view = [view retain];
   BeginSlide(self, slide);
-  [NSAnimationContext beginGrouping];
+  BeginSlideGroup(kCAMediaTimingFunctionEaseIn);
   NSAnimationContext *context = [NSAnimationContext currentContext];
-  [context setDuration:VXSplitViewSlideDuration];
-  [context setTimingFunction:[CAMediaTimingFunction functionWithName:kCAMediaTimingFunctionEaseIn]];
-  [self retain];
-  [view retain];  // both live until the slide has ended
+  [self retain];  // with the slide and its view, until the slide has ended
   [slide retain];
   [context setCompletionHandler:^{
     EndSlide(self, slide);
@@ -199,11 +200,10 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
       // Taken away already by whatever interrupted the slide.
       [self _postPopNotificationForPosition:position];
     } else {
-      [self removePoppedView:view position:position];
+      [self removePoppedView:slide->_view position:position];
     }
     self->_isInAnimation = NO;
     [slide release];
-    [view release];
     [self release];
   }];
   [[side animator] setConstant:-width];
@@ -360,6 +360,14 @@ void EndSlide(VXSplitView *splitView, _VXSplitViewSlide *slide) {
       [position setConstant:x];
     }
     previousX = x;
+  }
+}
+
+// Sets that no longer belong to the views (a pop left the chain stale, a
+// subview came or went) are renewed before something moves their constants.
+- (void)_renewConstraintSetsIfStale {
+  if (![self _constraintSetsMatchViews]) {
+    [self _rebuildConstraintsWithIntents:[self _positionIntents]];
   }
 }
 

@@ -91,6 +91,17 @@ NSView *LayoutRoot(NSView *view) {
   return root;
 }
 
+// Asks for a pass on the tree rooted at `root`: before its window next
+// displays, or, outside any window, when the tree joins one or is laid out.
+void RequestPass(NSView *root) {
+  TVLayoutState(root, YES)->_needsLayout = YES;
+  NSWindow *window = [root window];
+  if (window == nil) {
+    detachedRoots->insert(root);
+  }
+  [window setViewsNeedDisplay:YES];
+}
+
 int Depth(NSView *view) {
   int depth = 0;
   for (NSView *up = [view superview]; up != nil; up = [up superview]) {
@@ -430,7 +441,7 @@ struct TVLayoutEngine {
   bool AddInstalled(NSLayoutConstraint *constraint, InstalledConstraint &entry);
   void RemoveInstalled(std::unordered_map<NSLayoutConstraint *, InstalledConstraint>::iterator it);
   void SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current);
-  void RetryRefused();
+  void RetryRefused(size_t changes);
   bool RunRetries();
   void ApplyPendingConstants();
   void CollectFrames(bool all);
@@ -736,12 +747,12 @@ void TVLayoutEngine::RemoveInstalled(
 // tried in the passes that follow.
 const size_t kRetriesPerChange = 16;
 
-void TVLayoutEngine::RetryRefused() {
-  if (refused.empty()) {
+void TVLayoutEngine::RetryRefused(size_t changes) {
+  if (refused.empty() || changes == 0) {
     return;
   }
   retries.assign(refused.begin(), refused.end());
-  retryBudget += kRetriesPerChange;
+  retryBudget += changes * kRetriesPerChange;
 }
 
 // Spends this pass's budget on the queue; answers whether tries are left.
@@ -769,7 +780,7 @@ bool TVLayoutEngine::RunRetries() {
 
 void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstraint *> &current) {
   std::unordered_set<NSLayoutConstraint *> wanted(current.begin(), current.end());
-  bool removedAny = false;
+  size_t requiredRemoved = 0;
   for (auto it = installed.begin(); it != installed.end();) {
     InstalledConstraint &entry = it->second;
     bool keep = wanted.count(it->first) != 0 && SameAsInstalled(it->first, entry) &&
@@ -784,16 +795,13 @@ void TVLayoutEngine::SyncInstalledConstraints(const std::vector<NSLayoutConstrai
     auto next = std::next(it);
     // Only a required constraint can have held a refused (required) one off.
     if (!entry.solverConstraint.isNull() && entry.priority >= NSLayoutPriorityRequired) {
-      removedAny = true;
-      retryBudget += kRetriesPerChange;
+      requiredRemoved++;
     }
     RemoveInstalled(it);
     it = next;
   }
   // A constraint refused earlier may fit now that another went.
-  if (removedAny) {
-    RetryRefused();
-  }
+  RetryRefused(requiredRemoved);
   for (NSLayoutConstraint *constraint : current) {
     if (installed.count(constraint) == 0) {
       AddInstalled(constraint, installed[[constraint retain]]);
@@ -1048,9 +1056,7 @@ void TVLayoutEngine::Solve(NSView *root, bool structureChanged) {
       }
       SyncFrameConstraints(item, participant);
     }
-    if (!moved.empty()) {
-      RetryRefused();
-    }
+    RetryRefused(moved.size());
   }
   ApplyPendingConstants();
   retriesPending = RunRetries();
@@ -1096,14 +1102,8 @@ void TVMarkNeedsLayoutPass(NSView *view) {
   if (root == nil) {
     return;
   }
-  _TVViewLayoutState *state = TVLayoutState(root, YES);
-  state->_needsLayout = YES;
-  state->_layoutStructureChanged = YES;
-  NSWindow *window = [view window];
-  if (window == nil) {
-    detachedRoots->insert(root);
-  }
-  [window setViewsNeedDisplay:YES];
+  TVLayoutState(root, YES)->_layoutStructureChanged = YES;
+  RequestPass(root);
 }
 
 void TVMarkNeedsUpdatePass(NSView *view) {
@@ -1129,12 +1129,7 @@ void TVNoteConstantChange(NSLayoutConstraint *constraint) {
   if (root == nil) {
     return;
   }
-  TVLayoutState(root, YES)->_needsLayout = YES;
-  NSWindow *window = [holder window];
-  if (window == nil) {
-    detachedRoots->insert(root);
-  }
-  [window setViewsNeedDisplay:YES];
+  RequestPass(root);
 }
 
 void TVForgetConstraint(NSLayoutConstraint *constraint) { pendingConstants->erase(constraint); }
@@ -1215,12 +1210,7 @@ static void TVRunPasses(NSView *root) {
   rootState->_needsLayout = NO;
   if (owed) {
     // Refused constraints still wait for a try: the next pass makes more.
-    rootState->_needsLayout = YES;
-    NSWindow *window = [root window];
-    if (window == nil) {
-      detachedRoots->insert(root);
-    }
-    [window setViewsNeedDisplay:YES];
+    RequestPass(root);
   }
   [root release];
   [pool drain];
@@ -1323,12 +1313,7 @@ NSSize TVFittingSize(NSView *view) {
   if (root == nil || applyingFrames) {
     return;
   }
-  TVLayoutState(root, YES)->_needsLayout = YES;
-  NSWindow *window = [self window];
-  if (window == nil) {
-    detachedRoots->insert(root);
-  }
-  [window setViewsNeedDisplay:YES];
+  RequestPass(root);
 }
 
 - (void)layout {
@@ -1455,12 +1440,7 @@ static void TVNoteFrameChange(NSView *view) {
   if (view != root) {
     layoutGeneration++;  // the root's own size says nothing about its needs
   }
-  rootState->_needsLayout = YES;
-  NSWindow *window = [view window];
-  if (window == nil) {
-    detachedRoots->insert(root);
-  }
-  [window setViewsNeedDisplay:YES];
+  RequestPass(root);
 }
 
 // GNUstep's setFrame: does not go through setFrameSize:/setFrameOrigin:.
@@ -1488,16 +1468,6 @@ static void TVViewSetFrameOrigin(id view, SEL selector, NSPoint origin) {
   }
 }
 
-namespace {
-
-void CollectStatefulSubtree(NSView *view, std::vector<NSView *> &out) {
-  out.push_back(view);
-  for (NSView *subview in [view subviews]) {
-    CollectStatefulSubtree(subview, out);
-  }
-}
-
-}  // namespace
 
 // A view that leaves its superview takes with it every constraint, held by
 // an ancestor, that names it or one of its subviews. Each view knows the
@@ -1508,7 +1478,7 @@ static void TVRemoveConstraintsLeavingWith(NSView *view) {
     return;
   }
   std::vector<NSView *> leaving;
-  CollectStatefulSubtree(view, leaving);
+  CollectSubtree(view, leaving);
   for (NSView *leaver : leaving) {
     _TVViewLayoutState *state = TVLayoutState(leaver, NO);
     if (state == nil || state->_referencingConstraints == nullptr) {
