@@ -5,21 +5,6 @@
 #import "support/TestSupport.h"
 
 // A date at any time at all, as Apple's NSDate allows (+inf included).
-@interface TVFixedDate : NSDate {
-  NSTimeInterval _interval;
-}
-@end
-
-@implementation TVFixedDate
-// NSDate's primitive initialiser (its -init comes here).
-- (instancetype)initWithTimeIntervalSinceReferenceDate:(NSTimeInterval)interval {
-  _interval = interval;
-  return self;
-}
-- (NSTimeInterval)timeIntervalSinceReferenceDate {
-  return _interval;
-}
-@end
 
 namespace {
 

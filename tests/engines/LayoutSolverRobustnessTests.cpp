@@ -11,19 +11,10 @@
 #include <vector>
 
 #include "platform/AppKit/layout/Solver.hpp"
+#include "tests/engines/LayoutSolverTestSupport.hpp"
 
 namespace talvo::layout {
 namespace {
-
-Constraint Eq(const Expression& lhs, const Expression& rhs, float priority = 1000) {
-  return Constraint::Make(lhs, Relation::Equal, rhs, FromPriority(priority));
-}
-Constraint Le(const Expression& lhs, const Expression& rhs, float priority = 1000) {
-  return Constraint::Make(lhs, Relation::LessThanOrEqual, rhs, FromPriority(priority));
-}
-Constraint Ge(const Expression& lhs, const Expression& rhs, float priority = 1000) {
-  return Constraint::Make(lhs, Relation::GreaterThanOrEqual, rhs, FromPriority(priority));
-}
 
 std::vector<double> Values(Solver& solver, const std::vector<Variable>& variables) {
   solver.updateVariables();

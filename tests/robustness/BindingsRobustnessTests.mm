@@ -16,22 +16,6 @@
 @synthesize count = _count;
 @end
 
-// A date at any time at all, as Apple's NSDate allows.
-@interface TVAnyDate : NSDate {
-  NSTimeInterval _interval;
-}
-@end
-
-@implementation TVAnyDate
-- (instancetype)initWithTimeIntervalSinceReferenceDate:(NSTimeInterval)interval {
-  _interval = interval;
-  return self;
-}
-- (NSTimeInterval)timeIntervalSinceReferenceDate {
-  return _interval;
-}
-@end
-
 namespace {
 
 class BindingsRobustness : public PooledTest {};
@@ -148,7 +132,7 @@ TEST_F(BindingsRobustness, CalendarDays) {
   NSCalendar *calendar = [[[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar] autorelease];
   NSMutableArray *dates = [NSMutableArray arrayWithObjects:[NSDate distantPast], [NSDate distantFuture], nil];
   for (double interval : bad::kValues) {
-    [dates addObject:[[[TVAnyDate alloc] initWithTimeIntervalSinceReferenceDate:interval] autorelease]];
+    [dates addObject:[[[TVFixedDate alloc] initWithTimeIntervalSinceReferenceDate:interval] autorelease]];
   }
   [dates addObject:@"2026-01-01"];
   [dates addObject:@12];
@@ -162,7 +146,7 @@ TEST_F(BindingsRobustness, CalendarDays) {
     }
   }
   for (double interval : {(double)NAN, (double)INFINITY, -(double)INFINITY}) {
-    TVAnyDate *date = [[[TVAnyDate alloc] initWithTimeIntervalSinceReferenceDate:interval] autorelease];
+    TVFixedDate *date = [[[TVFixedDate alloc] initWithTimeIntervalSinceReferenceDate:interval] autorelease];
     EXPECT_EQ([calendar beginningOfDayAtDate:date], nil);
     EXPECT_EQ([calendar dateByAddingNumberOfDay:1 toDate:date], nil);
   }

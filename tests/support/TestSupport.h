@@ -60,6 +60,13 @@ bool HasWindowServer();
 // application, for `view`'s window.
 void SendMouseEvent(NSView *view, NSEventType type, NSPoint point);
 
+// A date at any time at all, infinities and NaN included, as Apple's NSDate
+// allows (GNUstep's own dates refuse them).
+@interface TVFixedDate : NSDate {
+  NSTimeInterval _interval;
+}
+@end
+
 // A key-down event for `window` (nil: no window).
 NSEvent *KeyDownEvent(NSWindow *window, NSString *characters, NSString *charactersIgnoringModifiers,
                       NSUInteger modifierFlags);

@@ -98,3 +98,14 @@ void SendMouseEvent(NSView *view, NSEventType type, NSPoint point) {
                                     clickCount:1
                                       pressure:1]];
 }
+
+@implementation TVFixedDate
+// NSDate's primitive initialiser (its -init comes here).
+- (instancetype)initWithTimeIntervalSinceReferenceDate:(NSTimeInterval)interval {
+  _interval = interval;
+  return self;
+}
+- (NSTimeInterval)timeIntervalSinceReferenceDate {
+  return _interval;
+}
+@end
