@@ -402,17 +402,23 @@ cairo_pattern_t* Context::partSource(cairo_t* cr, const Part& part, bool swap,
     return cairo_pattern_create_rgba(0, 0, 0, 0);
 }
 
+// A fill part's path as cairo's current path, in device space, with its
+// fill rule and the state's antialiasing.
+void Context::setFillPath(cairo_t* cr, const Part& part) const {
+    setMatrix(cr, base_);
+    appendPathToCairo(cr, *part.path);
+    cairo_identity_matrix(cr);
+    cairo_set_fill_rule(cr, part.rule == FillRule::EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD
+                                                           : CAIRO_FILL_RULE_WINDING);
+    cairo_set_antialias(cr, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+}
+
 void Context::partCover(cairo_t* cr, const Part& part, bool alphaInCover) const {
     const GState& g = state();
     double alpha = alphaInCover ? g.alpha : 1.0;
     switch (part.kind) {
         case Part::Kind::Fill:
-            setMatrix(cr, base_);
-            appendPathToCairo(cr, *part.path);
-            cairo_identity_matrix(cr);
-            cairo_set_fill_rule(cr, part.rule == FillRule::EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD
-                                                                   : CAIRO_FILL_RULE_WINDING);
-            cairo_set_antialias(cr, g.antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+            setFillPath(cr, part);
             cairo_fill(cr);
             return;
         case Part::Kind::Stroke: {
@@ -726,12 +732,7 @@ bool Context::render(const Part* parts, size_t count, bool clearing) {
             const Part& part = parts[0];
             cairo_pattern_t* src = partSource(cr, part, swap, false);
             if (part.kind == Part::Kind::Fill) {
-                setMatrix(cr, base_);
-                appendPathToCairo(cr, *part.path);
-                cairo_identity_matrix(cr);
-                cairo_set_fill_rule(cr, part.rule == FillRule::EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD
-                                                                       : CAIRO_FILL_RULE_WINDING);
-                cairo_set_antialias(cr, g.antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+                setFillPath(cr, part);
                 cairo_clip(cr);
                 cairo_set_antialias(cr, CAIRO_ANTIALIAS_DEFAULT);
             } else if (part.kind == Part::Kind::Image) {

@@ -231,6 +231,7 @@ private:
     // The part's paint (the caller destroys it) and its coverage.
     cairo_pattern_t* partSource(cairo_t* cr, const Part& part, bool swap, bool alphaInCover) const;
     void partCover(cairo_t* cr, const Part& part, bool alphaInCover) const;
+    void setFillPath(cairo_t* cr, const Part& part) const;
     // Conservative bounds of what the part paints, cairo device space.
     Rect partBounds(const Part& part, const Rect& clipBox) const;
     void applyPathClips(cairo_t* cr) const;
