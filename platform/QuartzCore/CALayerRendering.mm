@@ -189,7 +189,7 @@ bool SpaceIsFlipped(CGContextRef c) {
       [self _tv_renderGroupIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip]) {
     return;
   }
-  [self _tv_drawIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip sublayers:YES];
+  [self _tv_drawIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip content:YES sublayers:YES];
 }
 
 // The layer and its sublayers drawn offscreen at device resolution, then
@@ -224,7 +224,7 @@ bool SpaceIsFlipped(CGContextRef c) {
   CGContextTranslateCTM(group, -device.origin.x, -device.origin.y);
   CGContextConcatCTM(group, ctm);
   CGContextSetInterpolationQuality(group, CGContextGetInterpolationQuality(c));
-  [self _tv_drawIn:group alpha:1 rect:rect ownFlip:ownFlip sublayers:YES];
+  [self _tv_drawIn:group alpha:1 rect:rect ownFlip:ownFlip content:YES sublayers:YES];
   CGImageRef image = CGBitmapContextCreateImage(group);
   CGContextRelease(group);
   if (image) {
@@ -243,18 +243,19 @@ bool SpaceIsFlipped(CGContextRef c) {
              alpha:(CGFloat)alpha
               rect:(CGRect)rect
            ownFlip:(BOOL)ownFlip
+           content:(BOOL)drawContent
          sublayers:(BOOL)drawSublayers {
   CGContextSaveGState(c);
   if (_masksToBounds) {
     CGContextClipToRect(c, rect);
   }
   CGContextSetAlpha(c, alpha);
-  if (_backgroundColor != NULL && rect.size.width > 0 && rect.size.height > 0) {
+  if (drawContent && _backgroundColor != NULL && rect.size.width > 0 && rect.size.height > 0) {
     CGContextSetFillColorWithColor(c, _backgroundColor);
     CGContextFillRect(c, rect);
   }
   CGSize size = CGSizeZero;
-  CGImageRef image = _contents != nil ? [self _tv_contentsImageWithSize:&size] : NULL;
+  CGImageRef image = drawContent && _contents != nil ? [self _tv_contentsImageWithSize:&size] : NULL;
   if (image && rect.size.width > 0 && rect.size.height > 0) {
     CGContextSaveGState(c);
     if (SpaceIsFlipped(c)) {
@@ -293,12 +294,13 @@ bool SpaceIsFlipped(CGContextRef c) {
 
 @implementation CALayer (TalvoRenderingPrivate)
 
-- (void)_tv_renderContentsInContext:(CGContextRef)c
-                             inRect:(CGRect)rect
-                          sublayers:(BOOL)sublayers {
+- (void)_tv_renderInContext:(CGContextRef)c
+                     inRect:(CGRect)rect
+                    content:(BOOL)content
+                  sublayers:(BOOL)sublayers {
   if (!c || !Finite(rect) || !Finite(_bounds)) return;
   @try {
-    [self _tv_drawIn:c alpha:1 rect:rect ownFlip:NO sublayers:sublayers];
+    [self _tv_drawIn:c alpha:1 rect:rect ownFlip:NO content:content sublayers:sublayers];
   } @catch (NSException *exception) {
     NSLog(@"CALayer: rendering stopped: %@", exception);
   }
