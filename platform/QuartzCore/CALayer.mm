@@ -406,6 +406,7 @@ int ValueComponents(id value, double out[4]) {
                                                key:trackKey
                                               host:self
                                   presentedAtStart:presented];
+  track->_appliesValues = YES;  // every frame marks the tree's view for display
   [_animationTracks setObject:track forKey:trackKey];
   [_animationKeys addObject:trackKey];
   [track start];
@@ -650,9 +651,11 @@ static BOOL TVIsActionOrNull(id object) {
 }
 
 - (void)_tv_animationTrack:(_TVAnimationTrack *)track showsValue:(id)value {
+  TVLayerChanged(self);
 }
 
 - (void)_tv_animationTrackDidEnd:(_TVAnimationTrack *)track finished:(BOOL)finished {
+  TVLayerChanged(self);
   if (!finished || [track->_animation isRemovedOnCompletion]) {
     [self _tv_forgetTrack:track];
   }

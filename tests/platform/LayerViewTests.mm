@@ -9,6 +9,7 @@
 #include <cmath>
 
 #import "GraphicsTestSupport.h"
+#import "platform/QuartzCore/TVAnimationClock.h"
 
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
@@ -243,6 +244,46 @@ TEST_F(LayerView, SublayersDrawInTheViewsCoordinatesAboveItsSubviews) {
   EXPECT_PIXEL(At(78, 62), 0, 255, 255, 255);
   EXPECT_PIXEL(At(100, 40), 255, 255, 255, 255) << "hidden sublayer";
   EXPECT_PIXEL(At(25, 25), 0, 128, 128, 255) << "half-blue sublayer over the green subview";
+}
+
+TEST_F(LayerView, LayerAnimationsRedrawTheViewFrameByFrame) {
+  NSView *root = OpenWindow();
+  NSView *view = NewLayerView(NSMakeRect(20, 20, 100, 100));
+  [root addSubview:view];
+  CGColorRef red = CGColorCreateGenericRGB(1, 0, 0, 1);
+  CALayer *dot = [CALayer layer];
+  [dot setFrame:CGRectMake(0, 0, 10, 10)];
+  [dot setBackgroundColor:red];
+  CGColorRelease(red);
+  [[view layer] addSublayer:dot];
+  Grab();
+  EXPECT_PIXEL(At(25, 25), 255, 0, 0, 255);
+
+  TVAnimationClockSetManual(YES);
+  CABasicAnimation *move = [CABasicAnimation animationWithKeyPath:@"position.x"];
+  [move setFromValue:@5.0];
+  [move setToValue:@85.0];
+  [move setDuration:1];
+  [move setTimingFunction:[CAMediaTimingFunction functionWithName:kCAMediaTimingFunctionLinear]];
+  [dot addAnimation:move forKey:nil];
+  CABasicAnimation *fade = [CABasicAnimation animationWithKeyPath:@"opacity"];
+  [fade setFromValue:@0.0];
+  [fade setToValue:@1.0];
+  [fade setDuration:1];
+  [fade setTimingFunction:[CAMediaTimingFunction functionWithName:kCAMediaTimingFunctionLinear]];
+  [dot addAnimation:fade forKey:@"fade"];
+  Grab(false);
+  TVAnimationClockAdvance(0.5);
+  EXPECT_TRUE([window_ viewsNeedDisplay]) << "a frame of a layer animation marks the view";
+  Grab(false);
+  EXPECT_PIXEL(At(25, 25), 255, 255, 255, 255);
+  EXPECT_PIXEL(At(65, 25), 255, 128, 128, 255) << "halfway: at x 40...50, half opaque";
+  TVAnimationClockAdvance(0.6);
+  Grab(false);
+  EXPECT_PIXEL(At(25, 25), 255, 0, 0, 255) << "back to the model values";
+  EXPECT_PIXEL(At(65, 25), 255, 255, 255, 255);
+  EXPECT_EQ(TVAnimationClockActiveCount(), 0u);
+  TVAnimationClockSetManual(NO);
 }
 
 TEST_F(LayerView, BadInputDrawsNothingAndNeverRaises) {

@@ -160,7 +160,7 @@ struct Group {
 // Draws part of the layer in the view's own space (bounds = layer bounds).
 void DrawLayer(NSView *view, CALayer *layer, NSRect dirty, BOOL content, BOOL sublayers) {
   if (content && [layer backgroundColor] == NULL && [layer contents] == nil) return;
-  if (sublayers && [[layer sublayers] count] == 0) return;
+  if (sublayers && [[[layer modelLayer] sublayers] count] == 0) return;
   [view lockFocus];
   @try {
     NSRectClip(dirty);
@@ -179,12 +179,14 @@ NSView *(*oOpaqueAncestor)(id, SEL);
 void (*oSetAlphaValue)(id, SEL, CGFloat);
 
 void HDisplayRect(NSView *self, SEL s, NSRect rect, NSGraphicsContext *context) {
-  CALayer *layer = ShownLayer(self);
+  CALayer *model = ShownLayer(self);
   NSWindow *window = [self window];
-  if (!layer || !window) {
+  if (!model || !window) {
     oDisplayRect(self, s, rect, context);
     return;
   }
+  // What shows now, running animations included.
+  CALayer *layer = [model presentationLayer];
   NSRect visible = NSIntersectionRect(rect, [self visibleRect]);
   bool own = context == nil || context == [window graphicsContext];
   if (!own || NSIsEmptyRect(visible)) {
