@@ -188,15 +188,11 @@ void HDisplayRect(NSView *self, SEL s, NSRect rect, NSGraphicsContext *context) 
   // What shows now, running animations included.
   CALayer *layer = [model presentationLayer];
   NSRect visible = NSIntersectionRect(rect, [self visibleRect]);
+  // Another context (a bitmap, printing): the view's own drawing only,
+  // as lockFocus would still draw into the window.
   bool own = context == nil || context == [window graphicsContext];
   if (!own || NSIsEmptyRect(visible)) {
-    if (own) {
-      oDisplayRect(self, s, rect, context);
-      return;
-    }
-    DrawLayer(self, layer, visible, YES, NO);
     oDisplayRect(self, s, rect, context);
-    DrawLayer(self, layer, visible, NO, YES);
     return;
   }
   // Hidden or fully transparent: the view still draws (its dirty marks

@@ -17,9 +17,12 @@
  * Not covered: the layer's own animations do not redraw the view frame by
  * frame (animate the view through its animator, as AppKit code does);
  * sublayers draw above the view's subviews whatever their order; drawing
- * into other contexts (cacheDisplayInRect:, printing) shows contents and
- * sublayers without the group opacity; layers of views in windows whose
- * backend lacks the private details this relies on draw without opacity.
+ * the view into another context (displayRectIgnoringOpacity:inContext:
+ * with a bitmap context, cacheDisplayInRect:, printing) shows the view's
+ * own drawing without its layer; -[CALayer renderInContext:] of the
+ * backing layer draws the layer tree only, not the view's drawRect: or its
+ * subviews (they are not layers here); in windows whose backend lacks the
+ * private details the groups rely on, layers draw without their opacity.
  */
 #ifndef TALVO_PLATFORM_NSVIEW_LAYERDRAWING_H
 #define TALVO_PLATFORM_NSVIEW_LAYERDRAWING_H
