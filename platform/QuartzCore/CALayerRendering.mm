@@ -10,6 +10,13 @@
 #include <algorithm>
 #include <cmath>
 
+// A layer's delegate that draws into it: a view whose backing layer it is
+// (its drawRect: and its subviews), implemented on the AppKit side.
+@interface NSObject (TVLayerHostedDrawing)
+- (BOOL)_tv_drawsIntoLayer:(CALayer *)layer;
+- (void)_tv_drawIntoLayer:(CALayer *)layer context:(CGContextRef)c;
+@end
+
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
@@ -135,9 +142,20 @@ bool SpaceIsFlipped(CGContextRef c) {
   return image;
 }
 
+// The view that draws into this layer, if any.
+- (id)_tv_drawingDelegate {
+  CALayer *model = _modelLayer != nil ? _modelLayer : self;
+  id delegate = model->_delegate;
+  return [delegate respondsToSelector:@selector(_tv_drawsIntoLayer:)] &&
+                 [delegate _tv_drawsIntoLayer:model]
+             ? delegate
+             : nil;
+}
+
 // How many things the layer and its sublayers draw, counted up to `limit`.
 - (int)_tv_partCountUpTo:(int)limit {
   int count = 0;
+  if ([self _tv_drawingDelegate] != nil) return limit;  // a view draws any number
   if (_backgroundColor != NULL) count++;
   if (_contents != nil) count++;  // an estimate: unusable contents still count
   for (CALayer *sublayer in [self _tv_renderedSublayers]) {
@@ -149,7 +167,9 @@ bool SpaceIsFlipped(CGContextRef c) {
 
 // The area the layer and its sublayers may draw in, in the layer's space.
 - (CGRect)_tv_drawnBoundsFlip:(BOOL)ownFlip {
-  CGRect area = (_backgroundColor != NULL || _contents != nil) ? _bounds : CGRectNull;
+  CGRect area = (_backgroundColor != NULL || _contents != nil || [self _tv_drawingDelegate] != nil)
+                    ? _bounds
+                    : CGRectNull;
   if (_masksToBounds) {
     return _bounds;
   }
@@ -270,6 +290,13 @@ bool SpaceIsFlipped(CGContextRef c) {
     CGContextDrawImage(c, placed, image);
     CGContextRestoreGState(c);
   }
+  id view = drawContent ? [self _tv_drawingDelegate] : nil;
+  if (view != nil && rect.size.width > 0 && rect.size.height > 0) {
+    CGContextSaveGState(c);
+    CGContextTranslateCTM(c, rect.origin.x, rect.origin.y);
+    [view _tv_drawIntoLayer:(_modelLayer != nil ? _modelLayer : self) context:c];
+    CGContextRestoreGState(c);
+  }
   NSArray *sublayers = drawSublayers ? [self _tv_renderedSublayers] : nil;
   if ([sublayers count] > 0) {
     // The bounds' space, in which sublayers are placed.
@@ -293,6 +320,15 @@ bool SpaceIsFlipped(CGContextRef c) {
 @end
 
 @implementation CALayer (TalvoRenderingPrivate)
+
+- (void)_tv_renderTreeInContext:(CGContextRef)c inRect:(CGRect)rect {
+  if (!c || !Finite(rect) || ![self _tv_isDrawable]) return;
+  @try {
+    [self _tv_renderIn:c alpha:1 rect:rect ownFlip:NO withOpacity:YES];
+  } @catch (NSException *exception) {
+    NSLog(@"CALayer: rendering stopped: %@", exception);
+  }
+}
 
 - (void)_tv_renderInContext:(CGContextRef)c
                      inRect:(CGRect)rect

@@ -15,6 +15,10 @@
                      inRect:(CGRect)rect
                     content:(BOOL)content
                   sublayers:(BOOL)sublayers;
+// Draws the layer as a sublayer would draw (its opacity, hidden flag and
+// the view drawing into it included) with its bounds mapped onto `rect`,
+// its own geometry flip left to the caller's space.
+- (void)_tv_renderTreeInContext:(CGContextRef)c inRect:(CGRect)rect;
 @end
 
 #endif

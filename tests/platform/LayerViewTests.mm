@@ -286,6 +286,37 @@ TEST_F(LayerView, LayerAnimationsRedrawTheViewFrameByFrame) {
   TVAnimationClockSetManual(NO);
 }
 
+TEST_F(LayerView, RenderingABackingLayerDrawsTheViewAndItsSubviews) {
+  NSView *root = OpenWindow();
+  NSView *host = Solid(NSMakeRect(20, 20, 100, 80), [NSColor whiteColor]);
+  [host setWantsLayer:YES];
+  [root addSubview:host];
+  [host addSubview:Solid(NSMakeRect(10, 10, 30, 20), [NSColor redColor])];
+  NSView *flipped = Solid(NSMakeRect(50, 10, 40, 40), [NSColor blueColor], YES);
+  [flipped addSubview:Solid(NSMakeRect(0, 0, 10, 10), [NSColor greenColor])];  // top-left
+  [host addSubview:flipped];
+  NSView *layered = NewLayerView(NSMakeRect(10, 40, 30, 30));
+  [[layered layer] setContents:(id)quadrants_];
+  [layered setAlphaValue:0.5];
+  [host addSubview:layered];
+
+  CGContextRef c = NewRGBAContext(100, 80);
+  [[[host layer] presentationLayer] renderInContext:c];
+  EXPECT_PIXEL(RGBAPixel(c, 20, 20), 255, 0, 0, 255);
+  EXPECT_PIXEL(RGBAPixel(c, 55, 45), 0, 255, 0, 255);
+  EXPECT_PIXEL(RGBAPixel(c, 55, 15), 0, 0, 255, 255);
+  EXPECT_PIXEL(RGBAPixel(c, 15, 65), 128, 128, 255, 255) << "blue quadrant at 50% over white";
+  EXPECT_PIXEL(RGBAPixel(c, 35, 45), 128, 255, 255, 255) << "cyan quadrant at 50% over white";
+  EXPECT_PIXEL(RGBAPixel(c, 95, 75), 255, 255, 255, 255);
+  CGContextRelease(c);
+
+  // The window draws the same, once.
+  Grab();
+  EXPECT_PIXEL(At(40, 40), 255, 0, 0, 255);
+  EXPECT_PIXEL(At(75, 65), 0, 255, 0, 255);
+  EXPECT_PIXEL(At(35, 85), 128, 128, 255, 255);
+}
+
 TEST_F(LayerView, BadInputDrawsNothingAndNeverRaises) {
   NSView *root = OpenWindow();
   NSView *view = NewLayerView(NSMakeRect(20, 20, 60, 60));

@@ -157,6 +157,69 @@ struct Group {
   }
 };
 
+// Set while a window displays a layer-backed view: the view's own drawing
+// is then the window's to do, not the layer renderer's.
+int windowDisplayDepth = 0;
+
+// The transform from a view's bounds space into its superview's (or, for
+// `inOwnFrame`, into a space where the frame sits at the origin).
+NSAffineTransform *BoundsToParent(NSView *view, bool inOwnFrame) {
+  NSAffineTransform *m = [NSAffineTransform transform];
+  NSRect frame = [view frame], bounds = [view bounds];
+  if (!inOwnFrame) [m translateXBy:frame.origin.x yBy:frame.origin.y];
+  if ([view isFlipped]) {
+    [m translateXBy:0 yBy:frame.size.height];
+    [m scaleXBy:1 yBy:-1];
+  }
+  if (bounds.size.width > 0 && bounds.size.height > 0) {
+    [m scaleXBy:frame.size.width / bounds.size.width yBy:frame.size.height / bounds.size.height];
+  }
+  [m translateXBy:-bounds.origin.x yBy:-bounds.origin.y];
+  return m;
+}
+
+void DrawSubtree(NSView *view, NSGraphicsContext *context, bool withLayer);
+
+// Draws `view`'s drawRect: and then its subviews into `context`, whose CTM
+// maps the view's bounds space.
+void DrawViewAndSubviews(NSView *view, NSGraphicsContext *context) {
+  NSRect bounds = [view bounds];
+  if (NSIsEmptyRect(bounds)) return;
+  NSAffineTransform *ctm = [[[context GSCurrentCTM] copy] autorelease];
+  [context saveGraphicsState];
+  [context lockFocusView:view inRect:bounds];
+  [context GSSetCTM:ctm];
+  NSRectClip(bounds);
+  @try {
+    [view drawRect:bounds];
+  } @catch (NSException *exception) {
+    NSLog(@"Talvo: a view did not draw into its layer: %@", exception);
+  }
+  for (NSView *subview in [view subviews]) {
+    if ([subview isHidden]) continue;
+    [context saveGraphicsState];
+    NSAffineTransform *m = BoundsToParent(subview, false);
+    [m appendTransform:ctm];
+    [context GSSetCTM:m];
+    DrawSubtree(subview, context, true);
+    [context restoreGraphicsState];
+  }
+  [context unlockFocusView:view needsFlush:NO];
+  [context restoreGraphicsState];
+}
+
+// A subview in its bounds space: through its layer when it has one.
+void DrawSubtree(NSView *view, NSGraphicsContext *context, bool withLayer) {
+  CALayer *layer = withLayer ? ShownLayer(view) : nil;
+  if (layer == nil) {
+    DrawViewAndSubviews(view, context);
+    return;
+  }
+  CGContextRef c = (CGContextRef)[context graphicsPort];
+  if (!c) return;
+  [[layer presentationLayer] _tv_renderTreeInContext:c inRect:[view bounds]];
+}
+
 // Draws part of the layer in the view's own space (bounds = layer bounds).
 void DrawLayer(NSView *view, CALayer *layer, NSRect dirty, BOOL content, BOOL sublayers) {
   if (content && [layer backgroundColor] == NULL && [layer contents] == nil) return;
@@ -202,9 +265,11 @@ void HDisplayRect(NSView *self, SEL s, NSRect rect, NSGraphicsContext *context) 
   NSRect windowRect = [self convertRect:visible toView:nil];
   bool grouped = opacity < 1 && group.begin(window, windowRect);
   if (!grouped && opacity <= 0) return;
+  windowDisplayDepth++;
   DrawLayer(self, layer, visible, YES, NO);
   oDisplayRect(self, s, rect, context);
   DrawLayer(self, layer, visible, NO, YES);
+  windowDisplayDepth--;
   if (grouped) group.end(window, windowRect, opacity);
 }
 
@@ -248,6 +313,47 @@ void HSetAlphaValue(NSView *self, SEL s, CGFloat alpha) {
     oSetAlphaValue(self, @selector(setAlphaValue:), CGFloat([own opacity]));
   }
   if ([self wantsLayer]) [self setNeedsDisplay:YES];
+}
+
+// The view draws into its backing layer when the layer is rendered
+// (renderInContext:), not when its window displays it.
+- (BOOL)_tv_drawsIntoLayer:(CALayer *)layer {
+  return windowDisplayDepth == 0 && layer != nil && TVViewExistingLayer(self) == layer;
+}
+
+// Draws the view and its subviews into `c`, whose user space is the
+// layer's bounds with their origin at (0, 0).
+- (void)_tv_drawIntoLayer:(CALayer *)layer context:(CGContextRef)c {
+  if (![self _tv_drawsIntoLayer:layer] || !c) return;
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  @try {
+    NSGraphicsContext *current = [NSGraphicsContext currentContext];
+    NSGraphicsContext *context =
+        current != nil && (CGContextRef)[current graphicsPort] == c
+            ? current
+            : [NSGraphicsContext graphicsContextWithGraphicsPort:c flipped:NO];
+    if (context != nil) {
+      [NSGraphicsContext saveGraphicsState];
+      [NSGraphicsContext setCurrentContext:context];
+      [context saveGraphicsState];
+      NSAffineTransform *m = BoundsToParent(self, true);
+      NSSize size = [layer bounds].size;
+      NSRect frame = [self frame];
+      if (size.width > 0 && size.height > 0 && frame.size.width > 0 && frame.size.height > 0) {
+        NSAffineTransform *fit = [NSAffineTransform transform];
+        [fit scaleXBy:size.width / frame.size.width yBy:size.height / frame.size.height];
+        [m appendTransform:fit];
+      }
+      [m appendTransform:[context GSCurrentCTM]];
+      [context GSSetCTM:m];
+      DrawViewAndSubviews(self, context);
+      [context restoreGraphicsState];
+      [NSGraphicsContext restoreGraphicsState];
+    }
+  } @catch (NSException *exception) {
+    NSLog(@"Talvo: a view did not draw into its layer: %@", exception);
+  }
+  [pool drain];
 }
 
 @end
