@@ -19,10 +19,13 @@
  * sublayers draw above the view's subviews whatever their order; drawing
  * the view into another context (displayRectIgnoringOpacity:inContext:
  * with a bitmap context, cacheDisplayInRect:, printing) shows the view's
- * own drawing without its layer; -[CALayer renderInContext:] of the
- * backing layer draws the layer tree only, not the view's drawRect: or its
- * subviews (they are not layers here); in windows whose backend lacks the
+ * own drawing without its layer; in windows whose backend lacks the
  * private details the groups rely on, layers draw without their opacity.
+ *
+ * -[CALayer renderInContext:] of a backing layer (or of its presentation
+ * layer) draws the view too: background and contents, then the view's
+ * drawRect: and its subviews (layer-backed ones through their layers, with
+ * their opacity), then the sublayers, as macOS's layer tree would.
  */
 #ifndef TALVO_PLATFORM_NSVIEW_LAYERDRAWING_H
 #define TALVO_PLATFORM_NSVIEW_LAYERDRAWING_H
