@@ -84,7 +84,7 @@ CG_EXTERN CFArrayRef CGWindowListCreate(CGWindowListOption option, CGWindowID re
 /** Descriptions of the windows that `option` selects, front to back. */
 CG_EXTERN CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption option,
                                                 CGWindowID relativeToWindow);
-/** One description per known window of `windowArray`, front to back;
+/** One description per known window of `windowArray`, in its order;
  * unknown numbers are left out. NULL for a NULL or non-array argument. */
 CG_EXTERN CFArrayRef CGWindowListCreateDescriptionFromArray(CFArrayRef windowArray);
 /** A picture of the windows of `windowArray` (see above). NULL for a null,
