@@ -1,0 +1,170 @@
+// Named appearances and how views, windows and the application pass them
+// down; the appearance current while a view draws.
+
+#import "platform/WindowTestSupport.h"
+
+// Notes the current appearance each time it draws.
+@interface TVAppearanceRecordingView : NSView {
+  NSAppearance *_drawnWith;
+}
+@property(nonatomic, readonly) NSAppearance *drawnWith;
+@end
+
+@implementation TVAppearanceRecordingView
+@synthesize drawnWith = _drawnWith;
+
+- (void)dealloc {
+  [_drawnWith release];
+  [super dealloc];
+}
+
+- (void)drawRect:(NSRect)dirty {
+  [_drawnWith release];
+  _drawnWith = [[NSAppearance currentAppearance] retain];
+}
+
+@end
+
+namespace {
+
+using Appearance = PooledTest;
+
+TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesGiveNil) {
+  NSString *names[] = {NSAppearanceNameAqua, NSAppearanceNameDarkAqua, NSAppearanceNameVibrantLight,
+                       NSAppearanceNameVibrantDark};
+  for (NSString *name : names) {
+    NSAppearance *appearance = [NSAppearance appearanceNamed:name];
+    ASSERT_NE(appearance, (NSAppearance *)nil) << [name UTF8String];
+    EXPECT_NSEQ([appearance name], name);
+    EXPECT_EQ([NSAppearance appearanceNamed:[[name mutableCopy] autorelease]], appearance);
+  }
+  EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark] talvo_isDark]);
+  EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameDarkAqua] talvo_isDark]);
+  EXPECT_FALSE([[NSAppearance appearanceNamed:NSAppearanceNameVibrantLight] talvo_isDark]);
+  EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark] allowsVibrancy]);
+  EXPECT_FALSE([[NSAppearance appearanceNamed:NSAppearanceNameAqua] allowsVibrancy]);
+
+  EXPECT_EQ([NSAppearance appearanceNamed:@"NSAppearanceNameMadeUp"], (NSAppearance *)nil);
+  EXPECT_EQ([NSAppearance appearanceNamed:NullOf<NSString *>()], (NSAppearance *)nil);
+  EXPECT_EQ([NSAppearance appearanceNamed:(NSString *)@42], (NSAppearance *)nil);
+  EXPECT_EQ([[NSAppearance alloc] initWithAppearanceNamed:@"Nope" bundle:nil], (NSAppearance *)nil);
+
+  // Autoreleased and kept by the class: a pool's drain leaves it alive.
+  NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
+  NSUInteger count = [aqua retainCount];
+  @autoreleasepool {
+    [NSAppearance appearanceNamed:NSAppearanceNameAqua];
+  }
+  EXPECT_EQ([aqua retainCount], count);
+}
+
+TEST_F(Appearance, CurrentAppearanceIsAquaUntilSet) {
+  NSAppearance *saved = [[NSAppearance currentAppearance] retain];
+  [NSAppearance setCurrentAppearance:nil];
+  EXPECT_EQ([NSAppearance currentAppearance], [NSAppearance appearanceNamed:NSAppearanceNameAqua]);
+  [NSAppearance setCurrentAppearance:[NSAppearance appearanceNamed:NSAppearanceNameDarkAqua]];
+  EXPECT_NSEQ([[NSAppearance currentAppearance] name], NSAppearanceNameDarkAqua);
+  [NSAppearance setCurrentAppearance:saved];
+  [saved release];
+}
+
+TEST_F(Appearance, BestMatchPrefersTheExactNameThenTheSameDarkness) {
+  NSAppearance *vibrantDark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
+  NSArray *lightAndDark = @[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ];
+  EXPECT_NSEQ([vibrantDark bestMatchFromAppearancesWithNames:lightAndDark], NSAppearanceNameDarkAqua);
+  EXPECT_NSEQ([vibrantDark bestMatchFromAppearancesWithNames:(@[ NSAppearanceNameDarkAqua, NSAppearanceNameVibrantDark ])],
+              NSAppearanceNameVibrantDark);
+  EXPECT_NSEQ([[NSAppearance appearanceNamed:NSAppearanceNameVibrantLight] bestMatchFromAppearancesWithNames:lightAndDark],
+              NSAppearanceNameAqua);
+  EXPECT_EQ([vibrantDark bestMatchFromAppearancesWithNames:@[ NSAppearanceNameAqua ]], (NSString *)nil);
+  EXPECT_EQ([vibrantDark bestMatchFromAppearancesWithNames:(NSArray *)@"x"], (NSString *)nil);
+}
+
+class AppearanceInheritance : public WindowServerTest {};
+
+TEST_F(AppearanceInheritance, ViewsInheritFromSuperviewThenWindowThenApplication) {
+  NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
+  NSAppearance *dark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
+  NSAppearance *light = [NSAppearance appearanceNamed:NSAppearanceNameVibrantLight];
+  NSAppearance *darkAqua = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
+  NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor]);
+  NSView *outer = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+  NSView *inner = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 50, 50)] autorelease];
+  [outer addSubview:inner];
+
+  EXPECT_EQ([inner appearance], (NSAppearance *)nil);
+  EXPECT_EQ([inner effectiveAppearance], aqua);  // detached, nothing set
+
+  [[window contentView] addSubview:outer];
+  [window setAppearance:dark];
+  EXPECT_EQ([window effectiveAppearance], dark);
+  EXPECT_EQ([inner effectiveAppearance], dark);
+  [outer setAppearance:light];
+  EXPECT_EQ([inner effectiveAppearance], light);
+  EXPECT_EQ([outer appearance], light);
+  EXPECT_EQ([inner appearance], (NSAppearance *)nil);
+  [inner setAppearance:darkAqua];
+  EXPECT_EQ([inner effectiveAppearance], darkAqua);
+  [inner setAppearance:nil];
+  [outer setAppearance:nil];
+  EXPECT_EQ([inner effectiveAppearance], dark);
+
+  // Moved out of the window, the view no longer sees the window's.
+  [outer removeFromSuperview];
+  EXPECT_EQ([inner effectiveAppearance], aqua);
+
+  [window setAppearance:nil];
+  [NSApp setAppearance:darkAqua];
+  EXPECT_EQ([window effectiveAppearance], darkAqua);
+  EXPECT_EQ([[window contentView] effectiveAppearance], darkAqua);
+  EXPECT_EQ([NSApp effectiveAppearance], darkAqua);
+  [NSApp setAppearance:nil];
+  EXPECT_EQ([NSApp effectiveAppearance], aqua);
+
+  // Anything that is not an appearance leaves things as they were.
+  [window setAppearance:light];
+  [window setAppearance:(NSAppearance *)@"dark"];
+  [inner setAppearance:(NSAppearance *)[NSColor redColor]];
+  EXPECT_EQ([window appearance], light);
+  EXPECT_EQ([inner appearance], (NSAppearance *)nil);
+  [window setAppearance:nil];
+}
+
+TEST_F(AppearanceInheritance, AppearanceSetOnAViewOrWindowLeavesWithIt) {
+  NSAppearance *dark = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
+  NSUInteger before = [dark retainCount];
+  NSView *view = [[NSView alloc] initWithFrame:NSZeroRect];
+  [view setAppearance:dark];
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 10, 10)
+                                                 styleMask:NSBorderlessWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:YES];
+  [window setReleasedWhenClosed:NO];
+  [window setAppearance:dark];
+  EXPECT_EQ([dark retainCount], before + 2);
+  [view release];
+  [window release];
+  EXPECT_EQ([dark retainCount], before);
+}
+
+TEST_F(AppearanceInheritance, ViewsDrawUnderTheirEffectiveAppearance) {
+  NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor]);
+  TVAppearanceRecordingView *plain =
+      [[[TVAppearanceRecordingView alloc] initWithFrame:NSMakeRect(0, 0, 50, 50)] autorelease];
+  TVAppearanceRecordingView *dark =
+      [[[TVAppearanceRecordingView alloc] initWithFrame:NSMakeRect(60, 0, 50, 50)] autorelease];
+  TVAppearanceRecordingView *nested =
+      [[[TVAppearanceRecordingView alloc] initWithFrame:NSMakeRect(0, 0, 20, 20)] autorelease];
+  [dark addSubview:nested];
+  [dark setAppearance:[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark]];
+  [[window contentView] addSubview:plain];
+  [[window contentView] addSubview:dark];
+  [window display];
+  EXPECT_NSEQ([[plain drawnWith] name], NSAppearanceNameAqua);
+  EXPECT_NSEQ([[dark drawnWith] name], NSAppearanceNameVibrantDark);
+  EXPECT_NSEQ([[nested drawnWith] name], NSAppearanceNameVibrantDark);
+  // Outside drawing the current appearance is back to what it was.
+  EXPECT_NSEQ([[NSAppearance currentAppearance] name], NSAppearanceNameAqua);
+}
+
+}  // namespace
