@@ -205,6 +205,32 @@ TEST_F(WindowCapture, ShadowMarginIsClearOutsideTheDrawnShadow) {
   CGImageRelease(image);
 }
 
+// A window that is partly transparent casts the shadow of what it drew:
+// under its drawn square, not under its clear corners.
+TEST_F(WindowCapture, ClearWindowsCastTheShadowOfTheirShape) {
+  NSWindow *window = MakeWindow(NSMakeRect(300, 300, 100, 100), [NSColor clearColor], [NSColor clearColor]);
+  [window setOpaque:NO];
+  [window setBackgroundColor:[NSColor clearColor]];
+  [window setHasShadow:YES];
+  NSView *square = [[[TVMarkedView alloc] initWithFrame:NSMakeRect(30, 30, 40, 40)
+                                                   fill:[NSColor redColor]
+                                                 marker:[NSColor redColor]] autorelease];
+  [[window contentView] addSubview:square];
+  [window display];
+  PumpEvents();
+  CGRect bounds = CGRectMake(300 - 20, ScreenTop() - 400 - 20, 140, 140);
+  CGImageRef image = CGWindowListCreateImageFromArray(bounds, (CFArrayRef)WindowArray(window), kCGWindowImageDefault);
+  ASSERT_NE(image, (CGImageRef)NULL);
+  ImagePixels pixels(image);
+  EXPECT_EQ(pixels.at(20 + 50, 20 + 50), kRed);
+  EXPECT_EQ(pixels.at(20 + 5, 20 + 5), 0u);           // a clear corner of the window
+  uint32_t under = pixels.at(20 + 50, 20 + 72);        // just below the square
+  EXPECT_GT(under >> 24, 40u);
+  EXPECT_EQ(under & 0x00ffffff, 0u);
+  EXPECT_EQ(pixels.at(20 + 50, 20 + 98) >> 24, 0u);    // far below it
+  CGImageRelease(image);
+}
+
 TEST_F(WindowCapture, NothingForWindowsOffScreenOrBadInput) {
   NSWindow *window = MakeWindow(NSMakeRect(100, 100, 60, 40), [NSColor blueColor], [NSColor redColor]);
   CGRect bounds = CGRectMake(100, ScreenTop() - 140, 60, 40);
