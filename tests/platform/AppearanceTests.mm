@@ -29,7 +29,7 @@ namespace {
 
 using Appearance = PooledTest;
 
-TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesGiveNil) {
+TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesKeepTheirName) {
   NSString *names[] = {NSAppearanceNameAqua, NSAppearanceNameDarkAqua, NSAppearanceNameVibrantLight,
                        NSAppearanceNameVibrantDark};
   for (NSString *name : names) {
@@ -44,10 +44,14 @@ TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesGiveNil) {
   EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark] allowsVibrancy]);
   EXPECT_FALSE([[NSAppearance appearanceNamed:NSAppearanceNameAqua] allowsVibrancy]);
 
-  EXPECT_EQ([NSAppearance appearanceNamed:@"NSAppearanceNameMadeUp"], (NSAppearance *)nil);
+  // AppKit answers an unknown name with a plain appearance of that name.
+  NSAppearance *madeUp = [NSAppearance appearanceNamed:@"NSAppearanceNameVibrantMadeUp"];
+  EXPECT_NSEQ([madeUp name], @"NSAppearanceNameVibrantMadeUp");
+  EXPECT_FALSE([madeUp allowsVibrancy]);
+  EXPECT_FALSE([madeUp talvo_isDark]);
   EXPECT_EQ([NSAppearance appearanceNamed:NullOf<NSString *>()], (NSAppearance *)nil);
   EXPECT_EQ([NSAppearance appearanceNamed:(NSString *)@42], (NSAppearance *)nil);
-  EXPECT_EQ([[NSAppearance alloc] initWithAppearanceNamed:@"Nope" bundle:nil], (NSAppearance *)nil);
+  EXPECT_EQ([[NSAppearance alloc] initWithAppearanceNamed:(NSString *)@42 bundle:nil], (NSAppearance *)nil);
 
   // Autoreleased and kept by the class: a pool's drain leaves it alive.
   NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
@@ -68,7 +72,7 @@ TEST_F(Appearance, CurrentAppearanceIsAquaUntilSet) {
   [saved release];
 }
 
-TEST_F(Appearance, BestMatchPrefersTheExactNameThenTheSameDarkness) {
+TEST_F(Appearance, BestMatchIsTheExactNameOrThePlainOneAVibrantOneVaries) {
   NSAppearance *vibrantDark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
   NSArray *lightAndDark = @[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ];
   EXPECT_NSEQ([vibrantDark bestMatchFromAppearancesWithNames:lightAndDark], NSAppearanceNameDarkAqua);
@@ -78,6 +82,21 @@ TEST_F(Appearance, BestMatchPrefersTheExactNameThenTheSameDarkness) {
               NSAppearanceNameAqua);
   EXPECT_EQ([vibrantDark bestMatchFromAppearancesWithNames:@[ NSAppearanceNameAqua ]], (NSString *)nil);
   EXPECT_EQ([vibrantDark bestMatchFromAppearancesWithNames:(NSArray *)@"x"], (NSString *)nil);
+  NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
+  EXPECT_EQ([aqua bestMatchFromAppearancesWithNames:@[ NSAppearanceNameVibrantLight ]], (NSString *)nil);
+  EXPECT_NSEQ([aqua bestMatchFromAppearancesWithNames:(@[ @42, NSAppearanceNameDarkAqua, NSAppearanceNameAqua ])],
+              NSAppearanceNameAqua);
+}
+
+TEST_F(Appearance, ArchivesKeepTheName) {
+  NSAppearance *dark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
+  NSData *keyed = [NSKeyedArchiver archivedDataWithRootObject:dark];
+  NSAppearance *back = [NSKeyedUnarchiver unarchiveObjectWithData:keyed];
+  EXPECT_NSEQ([back name], NSAppearanceNameVibrantDark);
+  EXPECT_TRUE([back allowsVibrancy]);
+  NSData *old = [NSArchiver archivedDataWithRootObject:dark];
+  EXPECT_NSEQ([[NSUnarchiver unarchiveObjectWithData:old] name], NSAppearanceNameVibrantDark);
+  EXPECT_NSEQ(NSAppearanceNameAccessibilityHighContrastDarkAqua, @"NSAppearanceNameAccessibilityDarkAqua");
 }
 
 class AppearanceInheritance : public WindowServerTest {};
