@@ -29,14 +29,14 @@ namespace {
 
 using Appearance = PooledTest;
 
-TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesKeepTheirName) {
+TEST_F(Appearance, NamedAppearancesBelongToNobodyAndUnknownNamesKeepTheirName) {
   NSString *names[] = {NSAppearanceNameAqua, NSAppearanceNameDarkAqua, NSAppearanceNameVibrantLight,
                        NSAppearanceNameVibrantDark};
   for (NSString *name : names) {
     NSAppearance *appearance = [NSAppearance appearanceNamed:name];
     ASSERT_NE(appearance, (NSAppearance *)nil) << [name UTF8String];
     EXPECT_NSEQ([appearance name], name);
-    EXPECT_EQ([NSAppearance appearanceNamed:[[name mutableCopy] autorelease]], appearance);
+    EXPECT_NSEQ([[NSAppearance appearanceNamed:[[name mutableCopy] autorelease]] name], name);
   }
   EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark] talvo_isDark]);
   EXPECT_TRUE([[NSAppearance appearanceNamed:NSAppearanceNameDarkAqua] talvo_isDark]);
@@ -53,19 +53,19 @@ TEST_F(Appearance, NamedAppearancesAreSharedAndUnknownNamesKeepTheirName) {
   EXPECT_EQ([NSAppearance appearanceNamed:(NSString *)@42], (NSAppearance *)nil);
   EXPECT_EQ([[NSAppearance alloc] initWithAppearanceNamed:(NSString *)@42 bundle:nil], (NSAppearance *)nil);
 
-  // Autoreleased and kept by the class: a pool's drain leaves it alive.
-  NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
-  NSUInteger count = [aqua retainCount];
+  // Autoreleased: once the pool drains, the caller's retain is the only one.
+  NSAppearance *aqua = nil;
   @autoreleasepool {
-    [NSAppearance appearanceNamed:NSAppearanceNameAqua];
+    aqua = [[NSAppearance appearanceNamed:NSAppearanceNameAqua] retain];
   }
-  EXPECT_EQ([aqua retainCount], count);
+  EXPECT_EQ([aqua retainCount], 1u);
+  [aqua release];
 }
 
 TEST_F(Appearance, CurrentAppearanceIsAquaUntilSet) {
   NSAppearance *saved = [[NSAppearance currentAppearance] retain];
   [NSAppearance setCurrentAppearance:nil];
-  EXPECT_EQ([NSAppearance currentAppearance], [NSAppearance appearanceNamed:NSAppearanceNameAqua]);
+  EXPECT_NSEQ([[NSAppearance currentAppearance] name], NSAppearanceNameAqua);
   [NSAppearance setCurrentAppearance:[NSAppearance appearanceNamed:NSAppearanceNameDarkAqua]];
   EXPECT_NSEQ([[NSAppearance currentAppearance] name], NSAppearanceNameDarkAqua);
   [NSAppearance setCurrentAppearance:saved];
@@ -102,7 +102,6 @@ TEST_F(Appearance, ArchivesKeepTheName) {
 class AppearanceInheritance : public WindowServerTest {};
 
 TEST_F(AppearanceInheritance, ViewsInheritFromSuperviewThenWindowThenApplication) {
-  NSAppearance *aqua = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
   NSAppearance *dark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
   NSAppearance *light = [NSAppearance appearanceNamed:NSAppearanceNameVibrantLight];
   NSAppearance *darkAqua = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
@@ -112,7 +111,7 @@ TEST_F(AppearanceInheritance, ViewsInheritFromSuperviewThenWindowThenApplication
   [outer addSubview:inner];
 
   EXPECT_EQ([inner appearance], (NSAppearance *)nil);
-  EXPECT_EQ([inner effectiveAppearance], aqua);  // detached, nothing set
+  EXPECT_NSEQ([[inner effectiveAppearance] name], NSAppearanceNameAqua);  // detached, nothing set
 
   [[window contentView] addSubview:outer];
   [window setAppearance:dark];
@@ -130,7 +129,7 @@ TEST_F(AppearanceInheritance, ViewsInheritFromSuperviewThenWindowThenApplication
 
   // Moved out of the window, the view no longer sees the window's.
   [outer removeFromSuperview];
-  EXPECT_EQ([inner effectiveAppearance], aqua);
+  EXPECT_NSEQ([[inner effectiveAppearance] name], NSAppearanceNameAqua);
 
   [window setAppearance:nil];
   [NSApp setAppearance:darkAqua];
@@ -138,7 +137,7 @@ TEST_F(AppearanceInheritance, ViewsInheritFromSuperviewThenWindowThenApplication
   EXPECT_EQ([[window contentView] effectiveAppearance], darkAqua);
   EXPECT_EQ([NSApp effectiveAppearance], darkAqua);
   [NSApp setAppearance:nil];
-  EXPECT_EQ([NSApp effectiveAppearance], aqua);
+  EXPECT_NSEQ([[NSApp effectiveAppearance] name], NSAppearanceNameAqua);
 
   // Anything that is not an appearance leaves things as they were.
   [window setAppearance:light];

@@ -1,9 +1,9 @@
 // Named appearances and their inheritance. GNUstep 0.29's NSAppearance
-// makes a new object (+1) for any name and nothing asks views or windows
-// for one. Here the four named appearances are shared instances, unknown
-// names answer nil, and views, windows and the application carry an
-// appearance that their descendants inherit. While a view draws, the
-// current appearance is the view's effective one.
+// hands out its appearances +1, never allows vibrancy, matches and
+// archives nothing, and nothing asks views or windows for one. Here the
+// appearances are autoreleased and know their kind, and views, windows and
+// the application carry an appearance that their descendants inherit.
+// While a view draws, the current appearance is the view's effective one.
 
 #import "platform/AppKit/windows/TVWindowPlatformState.h"
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-NSMutableDictionary *namedAppearances = nil;  // name -> NSAppearance, for the process
+NSAppearance *defaultAppearance = nil;  // Aqua, for the process
 NSAppearance *applicationAppearance = nil;
 NSAppearance *drawingAppearance = nil;  // set while a view draws
 
@@ -92,29 +92,14 @@ id (*originalInitWithName)(id, SEL, NSString *, NSBundle *) = NULL;
 NSAppearance *(*originalCurrentAppearance)(id, SEL) = NULL;
 void (*originalDisplayRect)(id, SEL, NSRect, NSGraphicsContext *) = NULL;
 
-// As AppKit does, a name it does not know still gets an appearance of
-// that name (plain, not vibrant); the known ones are shared.
+// A new appearance for every call, which the caller does not own (GNUstep
+// hands it over +1). As AppKit does, a name it does not know still gets an
+// appearance of that name (plain, not vibrant).
 NSAppearance *TVAppearanceNamed(id cls, SEL selector, NSString *name) {
   if (![name isKindOfClass:[NSString class]]) {
     return nil;
   }
-  NSString *canonical = CanonicalName(name);
-  if (canonical == nil) {
-    return [[[NSAppearance alloc] initWithAppearanceNamed:name bundle:nil] autorelease];
-  }
-  NSAppearance *appearance = [namedAppearances objectForKey:canonical];
-  if (appearance == nil) {
-    appearance = [[NSAppearance alloc] initWithAppearanceNamed:canonical bundle:nil];
-    if (appearance == nil) {
-      return nil;
-    }
-    if (namedAppearances == nil) {
-      namedAppearances = [[NSMutableDictionary alloc] initWithCapacity:4];
-    }
-    [namedAppearances setObject:appearance forKey:canonical];
-    [appearance release];
-  }
-  return [[appearance retain] autorelease];
+  return [[[NSAppearance alloc] initWithAppearanceNamed:name bundle:nil] autorelease];
 }
 
 // Vibrant appearances allow vibrancy, as on macOS.
@@ -132,7 +117,14 @@ id TVInitWithName(NSAppearance *self, SEL selector, NSString *name, NSBundle *bu
   return self;
 }
 
-NSAppearance *Aqua() { return [NSAppearance appearanceNamed:NSAppearanceNameAqua]; }
+// What everything falls back to when nothing is set: one Aqua for the
+// process.
+NSAppearance *Aqua() {
+  if (defaultAppearance == nil) {
+    defaultAppearance = [[NSAppearance alloc] initWithAppearanceNamed:NSAppearanceNameAqua bundle:nil];
+  }
+  return defaultAppearance;
+}
 
 NSAppearance *TVCurrentAppearance(id cls, SEL selector) {
   if (drawingAppearance != nil) {

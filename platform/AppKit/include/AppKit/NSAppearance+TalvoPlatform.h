@@ -1,12 +1,13 @@
 /*
  * Named appearances and their inheritance, which GNUstep 0.29 only stubs.
  *
- * +appearanceNamed: answers one shared, autoreleased appearance for each of
- * NSAppearanceNameAqua, NSAppearanceNameDarkAqua,
- * NSAppearanceNameVibrantLight and NSAppearanceNameVibrantDark (the same
- * object on every call); any other name gets a new plain (not vibrant,
- * light) appearance of that name, as AppKit does; nil and non-strings get
- * nil. The two vibrant ones allow vibrancy. currentAppearance is Aqua until
+ * +appearanceNamed: answers a new autoreleased appearance on each call
+ * (compare names, not objects): NSAppearanceNameAqua,
+ * NSAppearanceNameDarkAqua, NSAppearanceNameVibrantLight and
+ * NSAppearanceNameVibrantDark are known, the two vibrant ones allow
+ * vibrancy; any other name gets a plain (not vibrant, light) appearance of
+ * that name, as AppKit does; nil and non-strings get nil. An appearance
+ * that is set is kept (retained) as that object. currentAppearance is Aqua until
  * set, and is the drawing view's effective appearance while a view draws.
  * Views and windows answer an effectiveAppearance: their own, else the
  * superview's, else the window's, else the application's, else Aqua.
