@@ -240,19 +240,6 @@ cairo_surface_t *CopyWindow(cairo_surface_t *buffer, int width, int height) {
   return copy;
 }
 
-bool IsOpaque(cairo_surface_t *image) {
-  const int width = cairo_image_surface_get_width(image), height = cairo_image_surface_get_height(image);
-  const int stride = cairo_image_surface_get_stride(image);
-  const uint8_t *data = cairo_image_surface_get_data(image);
-  for (int y = 0; y < height; y++) {
-    const uint32_t *row = (const uint32_t *)(data + (size_t)y * stride);
-    uint32_t all = 0xff000000u;
-    for (int x = 0; x < width; x++) all &= row[x];
-    if ((all & 0xff000000u) != 0xff000000u) return false;
-  }
-  return true;
-}
-
 // The shadow's geometry on the target, in pixels.
 struct ShadowShape {
   int radius, reach, dy;
@@ -308,11 +295,12 @@ void PaintRectShadow(cairo_surface_t *target, int x, int y, int w, int h, Shadow
   cairo_surface_mark_dirty(target);
 }
 
-// Any other window's shadow: its alpha, moved down and blurred, laid down
-// in black.
-void PaintAlphaShadow(cairo_surface_t *target, cairo_surface_t *window, int x, int y, ShadowShape shape) {
+// Any other window's shadow: the alpha of `source` (the window's pixels,
+// whose top-left lies at (x, y) of the target), moved down, blurred and
+// laid down in black with `op`.
+void PaintAlphaShadow(cairo_surface_t *target, cairo_surface_t *source, int x, int y, int w, int h,
+                      ShadowShape shape, cairo_operator_t op) {
   const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
-  const int w = cairo_image_surface_get_width(window), h = cairo_image_surface_get_height(window);
   const int x0 = std::max(0, x - shape.reach), y0 = std::max(0, y + shape.dy - shape.reach);
   const int x1 = std::min(W, x + w + shape.reach), y1 = std::min(H, y + shape.dy + h + shape.reach);
   if (x1 <= x0 || y1 <= y0) {
@@ -325,7 +313,7 @@ void PaintAlphaShadow(cairo_surface_t *target, cairo_surface_t *window, int x, i
   }
   cairo_t *m = cairo_create(mask);
   cairo_set_operator(m, CAIRO_OPERATOR_SOURCE);
-  cairo_set_source_surface(m, window, x - x0, y + shape.dy - y0);
+  cairo_set_source_surface(m, source, x - x0, y + shape.dy - y0);
   cairo_paint(m);
   cairo_destroy(m);
   cairo_surface_flush(mask);
@@ -333,10 +321,26 @@ void PaintAlphaShadow(cairo_surface_t *target, cairo_surface_t *window, int x, i
             shape.radius);
   cairo_surface_mark_dirty(mask);
   cairo_t *cr = cairo_create(target);
+  cairo_set_operator(cr, op);
   cairo_set_source_rgba(cr, 0, 0, 0, kShadowOpacity);
   cairo_mask_surface(cr, mask, x0, y0);
   cairo_destroy(cr);
   cairo_surface_destroy(mask);
+}
+
+// Whether the part of `image` in the rect (x, y, w, h) is opaque.
+bool IsOpaque(cairo_surface_t *image, int x, int y, int w, int h) {
+  const int W = cairo_image_surface_get_width(image), H = cairo_image_surface_get_height(image);
+  const int stride = cairo_image_surface_get_stride(image);
+  const uint8_t *data = cairo_image_surface_get_data(image);
+  const int x0 = std::max(0, x), x1 = std::min(W, x + w), y0 = std::max(0, y), y1 = std::min(H, y + h);
+  for (int row = y0; row < y1; row++) {
+    const uint32_t *pixels = (const uint32_t *)(data + (size_t)row * stride);
+    uint32_t all = 0xff000000u;
+    for (int col = x0; col < x1; col++) all &= pixels[col];
+    if ((all & 0xff000000u) != 0xff000000u) return false;
+  }
+  return true;
 }
 
 struct Source {
@@ -417,20 +421,33 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     cairo_surface_destroy(target);
     return nullptr;
   }
-  // Back to front: the array's first window ends up on top.
+  // Back to front: the array's first window ends up on top. A lone window
+  // is copied straight in and its shadow put under it; among several, each
+  // window's shadow goes over what lies below it, then the window.
+  const bool alone = sources.size() == 1;
   for (auto s = sources.rbegin(); s != sources.rend(); ++s) {
     const int x = (int)(left + px(s->bounds.origin.x - first.bounds.origin.x));
     const int y = (int)(top + px(s->bounds.origin.y - first.bounds.origin.y));
+    const bool shadow = framing && [s->window hasShadow];
+    const ShadowShape shape = ShapeAt(s->scale);
     cairo_t *cr = cairo_create(target);
-    if (framing && [s->window hasShadow]) {
+    if (alone) {
+      PaintBuffer(cr, s->buffer, x, y, CAIRO_OPERATOR_SOURCE);
+      cairo_surface_flush(target);
+      if (shadow && IsOpaque(target, x, y, s->width, s->height)) {
+        PaintRectShadow(target, x, y, s->width, s->height, shape);
+      } else if (shadow) {
+        PaintAlphaShadow(target, target, 0, 0, cairo_image_surface_get_width(target),
+                         cairo_image_surface_get_height(target), shape, CAIRO_OPERATOR_DEST_OVER);
+      }
+    } else if (shadow) {
       cairo_surface_t *copy = CopyWindow(s->buffer, s->width, s->height);
       if (copy != nullptr) {
-        ShadowShape shape = ShapeAt(s->scale);
-        bool opaque = IsOpaque(copy);
+        bool opaque = IsOpaque(copy, 0, 0, s->width, s->height);
         if (opaque) {
           PaintRectShadow(target, x, y, s->width, s->height, shape);
         } else {
-          PaintAlphaShadow(target, copy, x, y, shape);
+          PaintAlphaShadow(target, copy, x, y, s->width, s->height, shape, CAIRO_OPERATOR_OVER);
         }
         cairo_set_operator(cr, opaque ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
         cairo_set_source_surface(cr, copy, x, y);
@@ -439,8 +456,7 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
         cairo_surface_destroy(copy);
       }
     } else {
-      // A lone window is copied as it is; later ones go over what lies below.
-      PaintBuffer(cr, s->buffer, x, y, sources.size() == 1 ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
+      PaintBuffer(cr, s->buffer, x, y, CAIRO_OPERATOR_OVER);
     }
     cairo_destroy(cr);
   }

@@ -274,6 +274,23 @@ TEST_F(WindowCapture, SeveralWindowsComposeWithTheFirstOnTop) {
   EXPECT_EQ(pixels.at(30, 20), kGreen);  // overlap: a is first
   EXPECT_EQ(pixels.at(55, 20), kBlue);
   CGImageRelease(image);
+
+  // Framed, each casts its shadow over what lies below it.
+  [a setHasShadow:YES];
+  [b setHasShadow:YES];
+  image = CGWindowListCreateImageFromArray(CGRectMake(90, ScreenTop() - 150, 80, 70), (CFArrayRef)both,
+                                           kCGWindowImageDefault);
+  ASSERT_NE(image, (CGImageRef)NULL);
+  ImagePixels framed(image);
+  EXPECT_EQ(framed.width(), 80u);
+  EXPECT_EQ(framed.at(10 + 5, 10 + 20), kGreen);
+  EXPECT_EQ(framed.at(10 + 30, 10 + 20), kGreen);
+  EXPECT_EQ(framed.at(10 + 55, 10 + 20), kBlue);
+  EXPECT_EQ(framed.at(0, 0), 0u);
+  uint32_t below = framed.at(10 + 45, 10 + 43);
+  EXPECT_GT(below >> 24, 40u);
+  EXPECT_EQ(below & 0x00ffffff, 0u);
+  CGImageRelease(image);
 }
 
 }  // namespace
