@@ -61,17 +61,17 @@ CGRect ServerBounds(NSWindow *window) {
   return CGRectMake(NSMinX(frame), top - NSMaxY(frame), NSWidth(frame), NSHeight(frame));
 }
 
-void Capture(benchmark::State &state, bool shadow) {
+void Capture(benchmark::State &state, bool framed, bool shadow) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   [bigWindow setHasShadow:shadow];
   NSArray *windows = [NSArray arrayWithObject:[NSNumber numberWithInteger:[bigWindow windowNumber]]];
   CGRect bounds = ServerBounds(bigWindow);
-  if (shadow) {
+  if (framed) {
     // A borderless window's shadow reach: 17 left and right, 13 above, 21 below.
     bounds = CGRectMake(bounds.origin.x - 17, bounds.origin.y - 13, bounds.size.width + 34,
                         bounds.size.height + 34);
   }
-  CGWindowImageOption option = shadow ? kCGWindowImageDefault : kCGWindowImageBoundsIgnoreFraming;
+  CGWindowImageOption option = framed ? kCGWindowImageDefault : kCGWindowImageBoundsIgnoreFraming;
   for (auto _ : state) {
     CGImageRef image = CGWindowListCreateImageFromArray(bounds, (CFArrayRef)windows, option);
     if (image == NULL) {
@@ -85,10 +85,15 @@ void Capture(benchmark::State &state, bool shadow) {
   [pool drain];
 }
 
-void BM_CaptureBare(benchmark::State &state) { Capture(state, false); }
+void BM_CaptureBare(benchmark::State &state) { Capture(state, false, false); }
 BENCHMARK(BM_CaptureBare)->Unit(benchmark::kMillisecond);
 
-void BM_CaptureWithShadow(benchmark::State &state) { Capture(state, true); }
+// The margin without a shadow: what the shadow itself costs is the
+// difference to the next one.
+void BM_CaptureInMargin(benchmark::State &state) { Capture(state, true, false); }
+BENCHMARK(BM_CaptureInMargin)->Unit(benchmark::kMillisecond);
+
+void BM_CaptureWithShadow(benchmark::State &state) { Capture(state, true, true); }
 BENCHMARK(BM_CaptureWithShadow)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -226,6 +226,33 @@ void PaintBuffer(cairo_t *cr, cairo_surface_t *buffer, double x, double y, cairo
   cairo_surface_set_device_offset(buffer, ox, oy);
 }
 
+// Copies the window's pixels to (x, y) of `target`. cairo reads an X
+// drawable fastest (shared memory) into an image of exactly its size at
+// the origin, so the read goes into an image over that part of the
+// target's memory when the window lies wholly inside it.
+void FetchInto(cairo_surface_t *target, cairo_surface_t *buffer, int x, int y, int w, int h) {
+  const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
+  cairo_surface_flush(target);
+  if (x >= 0 && y >= 0 && x + w <= W && y + h <= H) {
+    const int stride = cairo_image_surface_get_stride(target);
+    uint8_t *origin = cairo_image_surface_get_data(target) + (size_t)y * stride + (size_t)x * 4;
+    cairo_surface_t *part = cairo_image_surface_create_for_data(origin, CAIRO_FORMAT_ARGB32, w, h, stride);
+    cairo_t *cr = cairo_create(part);
+    PaintBuffer(cr, buffer, 0, 0, CAIRO_OPERATOR_SOURCE);
+    cairo_destroy(cr);
+    cairo_surface_finish(part);
+    cairo_surface_destroy(part);
+    cairo_surface_mark_dirty(target);
+    return;
+  }
+  cairo_t *cr = cairo_create(target);
+  cairo_rectangle(cr, x, y, w, h);
+  cairo_clip(cr);
+  PaintBuffer(cr, buffer, x, y, CAIRO_OPERATOR_SOURCE);
+  cairo_destroy(cr);
+  cairo_surface_flush(target);
+}
+
 // The window's pixels as an image (one read from the server).
 cairo_surface_t *CopyWindow(cairo_surface_t *buffer, int width, int height) {
   cairo_surface_t *copy = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
@@ -270,26 +297,30 @@ void PaintRectShadow(cairo_surface_t *target, int x, int y, int w, int h, Shadow
   cairo_surface_flush(target);
   uint8_t *data = cairo_image_surface_get_data(target);
   const int stride = cairo_image_surface_get_stride(target);
-  const double opacity = kShadowOpacity / (255.0 * 255.0);
+  // alpha = across x down x opacity / 255, in 24-bit fixed point.
+  const uint64_t scale = (uint64_t)std::llround(kShadowOpacity * (1 << 24) / 255.0);
   const int y0 = std::max(0, top - shape.reach), y1 = std::min(H, top + h + shape.reach);
   const int x0 = std::max(0, x - shape.reach), x1 = std::min(W, x + w + shape.reach);
+  auto shade = [&](uint32_t *pixels, int row, int from, int to) {
+    for (int col = std::max(from, x0); col < std::min(to, x1); col++) {
+      uint32_t alpha = (uint32_t)(((uint64_t)across[col] * down[row] * scale + (1 << 23)) >> 24);
+      if (alpha == 0) continue;
+      // Black over what is there (premultiplied).
+      uint32_t d = pixels[col], keep = 255 - alpha;
+      uint32_t a = alpha + (((d >> 24) * keep + 127) / 255);
+      uint32_t r = (((d >> 16) & 255) * keep + 127) / 255, g = (((d >> 8) & 255) * keep + 127) / 255,
+               b = ((d & 255) * keep + 127) / 255;
+      pixels[col] = (a << 24) | (r << 16) | (g << 8) | b;
+    }
+  };
   for (int row = y0; row < y1; row++) {
     uint32_t *pixels = (uint32_t *)(data + (size_t)row * stride);
-    const bool besideWindow = row >= y && row < y + h;
-    for (int col = x0; col < x1; col++) {
-      if (besideWindow && col >= x && col < x + w) {
-        col = x + w - 1;  // under the window: skipped
-        continue;
-      }
-      uint32_t alpha = (uint32_t)std::lround(across[col] * down[row] * opacity * 255.0);
-      if (alpha != 0) {
-        // Black over what is there (premultiplied).
-        uint32_t d = pixels[col], keep = 255 - alpha;
-        uint32_t a = alpha + (((d >> 24) * keep + 127) / 255);
-        uint32_t r = (((d >> 16) & 255) * keep + 127) / 255, g = (((d >> 8) & 255) * keep + 127) / 255,
-                 b = ((d & 255) * keep + 127) / 255;
-        pixels[col] = (a << 24) | (r << 16) | (g << 8) | b;
-      }
+    if (row >= y && row < y + h) {
+      // Beside the window only: under it nothing shows.
+      shade(pixels, row, x0, x);
+      shade(pixels, row, x + w, x1);
+    } else {
+      shade(pixels, row, x0, x1);
     }
   }
   cairo_surface_mark_dirty(target);
@@ -430,35 +461,33 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     const int y = (int)(top + px(s->bounds.origin.y - first.bounds.origin.y));
     const bool shadow = framing && [s->window hasShadow];
     const ShadowShape shape = ShapeAt(s->scale);
-    cairo_t *cr = cairo_create(target);
     if (alone) {
-      PaintBuffer(cr, s->buffer, x, y, CAIRO_OPERATOR_SOURCE);
-      cairo_surface_flush(target);
+      FetchInto(target, s->buffer, x, y, s->width, s->height);
       if (shadow && IsOpaque(target, x, y, s->width, s->height)) {
         PaintRectShadow(target, x, y, s->width, s->height, shape);
       } else if (shadow) {
         PaintAlphaShadow(target, target, 0, 0, cairo_image_surface_get_width(target),
                          cairo_image_surface_get_height(target), shape, CAIRO_OPERATOR_DEST_OVER);
       }
-    } else if (shadow) {
-      cairo_surface_t *copy = CopyWindow(s->buffer, s->width, s->height);
-      if (copy != nullptr) {
-        bool opaque = IsOpaque(copy, 0, 0, s->width, s->height);
-        if (opaque) {
-          PaintRectShadow(target, x, y, s->width, s->height, shape);
-        } else {
-          PaintAlphaShadow(target, copy, x, y, s->width, s->height, shape, CAIRO_OPERATOR_OVER);
-        }
-        cairo_set_operator(cr, opaque ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
-        cairo_set_source_surface(cr, copy, x, y);
-        cairo_rectangle(cr, x, y, s->width, s->height);
-        cairo_fill(cr);
-        cairo_surface_destroy(copy);
-      }
-    } else {
-      PaintBuffer(cr, s->buffer, x, y, CAIRO_OPERATOR_OVER);
+      continue;
     }
+    cairo_surface_t *copy = CopyWindow(s->buffer, s->width, s->height);
+    if (copy == nullptr) {
+      continue;
+    }
+    const bool opaque = IsOpaque(copy, 0, 0, s->width, s->height);
+    if (shadow && opaque) {
+      PaintRectShadow(target, x, y, s->width, s->height, shape);
+    } else if (shadow) {
+      PaintAlphaShadow(target, copy, x, y, s->width, s->height, shape, CAIRO_OPERATOR_OVER);
+    }
+    cairo_t *cr = cairo_create(target);
+    cairo_set_operator(cr, opaque ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
+    cairo_set_source_surface(cr, copy, x, y);
+    cairo_rectangle(cr, x, y, s->width, s->height);
+    cairo_fill(cr);
     cairo_destroy(cr);
+    cairo_surface_destroy(copy);
   }
   cairo_surface_flush(target);
   cairo_surface_destroy(target);
