@@ -99,7 +99,7 @@ static BOOL IsPackage(NSString *path) {
                      handler:(TVEnumerationErrorHandler)handler {
   // NSObject's -init: NSDirectoryEnumerator's own set-up is not wanted.
   IMP init = class_getMethodImplementation([NSObject class], @selector(init));
-  self = ((id (*)(id, SEL))init)(self, @selector(init));
+  self = ((id(*)(id, SEL))init)(self, @selector(init));
   if (self == nil) return nil;
   _levels = [[NSMutableArray alloc] init];
   _options = options;
@@ -191,7 +191,8 @@ static BOOL IsPackage(NSString *path) {
                                                                        length:strlen(name)]];
     BOOL isDirectory = EntryIsDirectory(entry, path);
     NSURL *url = [NSURL fileURLWithPath:path isDirectory:isDirectory];
-    BOOL descend = isDirectory && !(_options & NSDirectoryEnumerationSkipsSubdirectoryDescendants) &&
+    BOOL descend = isDirectory &&
+                   !(_options & NSDirectoryEnumerationSkipsSubdirectoryDescendants) &&
                    !((_options & NSDirectoryEnumerationSkipsPackageDescendants) && IsPackage(path));
     if (descend) {
       _pendingPath = [path copy];
@@ -237,7 +238,8 @@ static NSArray *TVContentsOfDirectoryAtURL(NSFileManager *manager, SEL selector,
   if (error != NULL) *error = nil;
   if (![url isKindOfClass:[NSURL class]] || ![url isFileURL] || [[url path] length] == 0) {
     if (error != NULL) {
-      *error = [NSError errorWithDomain:NSCocoaErrorDomain code:NSFileReadUnsupportedSchemeError
+      *error = [NSError errorWithDomain:NSCocoaErrorDomain
+                                   code:NSFileReadUnsupportedSchemeError
                                userInfo:nil];
     }
     return nil;
@@ -256,7 +258,7 @@ static NSArray *TVContentsOfDirectoryAtURL(NSFileManager *manager, SEL selector,
     if ((options & NSDirectoryEnumerationSkipsHiddenFiles) && name[0] == '.') continue;
     NSString *path = [directory
         stringByAppendingPathComponent:[manager stringWithFileSystemRepresentation:name
-                                                                             length:strlen(name)]];
+                                                                            length:strlen(name)]];
     [urls addObject:[NSURL fileURLWithPath:path isDirectory:EntryIsDirectory(entry, path)]];
   }
   closedir(dir);
@@ -269,7 +271,8 @@ static NSDirectoryEnumerator *TVEnumeratorAtURL(NSFileManager *manager, SEL sele
   if (![url isKindOfClass:[NSURL class]] || ![url isFileURL] || [[url path] length] == 0) {
     return nil;
   }
-  return [[[_TVURLDirectoryEnumerator alloc] initWithPath:[url path] options:options
+  return [[[_TVURLDirectoryEnumerator alloc] initWithPath:[url path]
+                                                  options:options
                                                   handler:handler] autorelease];
 }
 
@@ -280,12 +283,12 @@ static NSDirectoryEnumerator *TVEnumeratorAtURL(NSFileManager *manager, SEL sele
 
 + (void)load {
   Class manager = [NSFileManager class];
-  TVReplaceInstanceMethod(manager,
-                          @selector(contentsOfDirectoryAtURL:includingPropertiesForKeys:options:error:),
-                          (IMP)TVContentsOfDirectoryAtURL);
-  TVReplaceInstanceMethod(manager,
-                          @selector(enumeratorAtURL:includingPropertiesForKeys:options:errorHandler:),
-                          (IMP)TVEnumeratorAtURL);
+  TVReplaceInstanceMethod(
+      manager, @selector(contentsOfDirectoryAtURL:includingPropertiesForKeys:options:error:),
+      (IMP)TVContentsOfDirectoryAtURL);
+  TVReplaceInstanceMethod(
+      manager, @selector(enumeratorAtURL:includingPropertiesForKeys:options:errorHandler:),
+      (IMP)TVEnumeratorAtURL);
 }
 
 @end

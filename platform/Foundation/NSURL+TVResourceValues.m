@@ -53,8 +53,7 @@ static BOOL TVGetResourceValue(NSURL *url, SEL selector, id *value, NSString *ke
       *error = [NSError
           errorWithDomain:NSCocoaErrorDomain
                      code:code == ENOENT ? NSFileReadNoSuchFileError : NSFileReadUnknownError
-                 userInfo:[NSDictionary dictionaryWithObjectsAndKeys:url, NSURLErrorKey,
-                                                                     underlying,
+                 userInfo:[NSDictionary dictionaryWithObjectsAndKeys:url, NSURLErrorKey, underlying,
                                                                      NSUnderlyingErrorKey, nil]];
     }
     return NO;

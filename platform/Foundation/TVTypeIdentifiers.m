@@ -8,13 +8,15 @@
 static NSDictionary *ExtensionTypes(void) {
   static NSDictionary *types = nil;
   if (types == nil) {
-    types = [[NSDictionary alloc] initWithObjectsAndKeys:
-        @"public.png", @"png", @"public.jpeg", @"jpg", @"public.jpeg", @"jpeg",
-        @"public.jpeg", @"jpe", @"com.compuserve.gif", @"gif", @"com.microsoft.bmp", @"bmp",
-        @"public.tiff", @"tif", @"public.tiff", @"tiff", @"org.webmproject.webp", @"webp",
-        @"public.heic", @"heic", @"com.microsoft.ico", @"ico", @"com.apple.icns", @"icns",
-        @"com.adobe.pdf", @"pdf", @"public.plain-text", @"txt", @"public.json", @"json",
-        @"public.xml", @"xml", @"public.html", @"html", @"public.html", @"htm", nil];
+    types = [[NSDictionary alloc]
+        initWithObjectsAndKeys:@"public.png", @"png", @"public.jpeg", @"jpg", @"public.jpeg",
+                               @"jpeg", @"public.jpeg", @"jpe", @"com.compuserve.gif", @"gif",
+                               @"com.microsoft.bmp", @"bmp", @"public.tiff", @"tif", @"public.tiff",
+                               @"tiff", @"org.webmproject.webp", @"webp", @"public.heic", @"heic",
+                               @"com.microsoft.ico", @"ico", @"com.apple.icns", @"icns",
+                               @"com.adobe.pdf", @"pdf", @"public.plain-text", @"txt",
+                               @"public.json", @"json", @"public.xml", @"xml", @"public.html",
+                               @"html", @"public.html", @"htm", nil];
   }
   return types;
 }
@@ -25,18 +27,21 @@ static NSDictionary *Parents(void) {
   if (parents == nil) {
     NSArray *image = @[ @"public.image" ];
     NSArray *text = @[ @"public.text" ];
-    parents = [[NSDictionary alloc] initWithObjectsAndKeys:
-        image, @"public.png", image, @"public.jpeg", image, @"com.compuserve.gif",
-        image, @"com.microsoft.bmp", image, @"public.tiff", image, @"org.webmproject.webp",
-        @[ @"public.heif-standard" ], @"public.heic", image, @"public.heif-standard",
-        image, @"com.microsoft.ico", image, @"com.apple.icns",
-        @[ @"public.data", @"public.content" ], @"public.image",
-        @[ @"public.data", @"public.composite-content" ], @"com.adobe.pdf",
-        @[ @"public.content" ], @"public.composite-content",
-        text, @"public.plain-text", text, @"public.json", text, @"public.xml", text, @"public.html",
-        @[ @"public.data", @"public.content" ], @"public.text",
-        @[ @"public.item" ], @"public.data", @[ @"public.item" ], @"public.content",
-        @[ @"public.directory" ], @"public.folder", @[ @"public.item" ], @"public.directory", nil];
+    parents = [[NSDictionary alloc]
+        initWithObjectsAndKeys:image, @"public.png", image, @"public.jpeg", image,
+                               @"com.compuserve.gif", image, @"com.microsoft.bmp", image,
+                               @"public.tiff", image, @"org.webmproject.webp",
+                               @[ @"public.heif-standard" ], @"public.heic", image,
+                               @"public.heif-standard", image, @"com.microsoft.ico", image,
+                               @"com.apple.icns", @[ @"public.data", @"public.content" ],
+                               @"public.image", @[ @"public.data", @"public.composite-content" ],
+                               @"com.adobe.pdf", @[ @"public.content" ],
+                               @"public.composite-content", text, @"public.plain-text", text,
+                               @"public.json", text, @"public.xml", text, @"public.html",
+                               @[ @"public.data", @"public.content" ], @"public.text",
+                               @[ @"public.item" ], @"public.data", @[ @"public.item" ],
+                               @"public.content", @[ @"public.directory" ], @"public.folder",
+                               @[ @"public.item" ], @"public.directory", nil];
   }
   return parents;
 }
@@ -52,7 +57,7 @@ BOOL TVTypeConformsTo(NSString *type, NSString *parent) {
   if (![type isKindOfClass:[NSString class]] || ![parent isKindOfClass:[NSString class]]) return NO;
   // The tree is shallow; a bound keeps a cycle from looping.
   NSMutableArray *pending = [NSMutableArray arrayWithObject:type];
-  for (int steps = 0; [pending count] > 0 && steps < 64; steps++) {
+  for (int steps = 0;[pending count] > 0 && steps < 64; steps++) {
     NSString *next = [pending lastObject];
     if ([next isEqualToString:parent]) return YES;
     [pending removeLastObject];
@@ -63,6 +68,8 @@ BOOL TVTypeConformsTo(NSString *type, NSString *parent) {
 }
 
 NSArray *TVImageTypeIdentifiers(void) {
-  return @[ @"public.png", @"public.jpeg", @"com.compuserve.gif", @"public.tiff",
-            @"com.microsoft.bmp", @"org.webmproject.webp" ];
+  return @[
+    @"public.png", @"public.jpeg", @"com.compuserve.gif", @"public.tiff", @"com.microsoft.bmp",
+    @"org.webmproject.webp"
+  ];
 }

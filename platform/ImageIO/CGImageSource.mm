@@ -53,7 +53,8 @@ static const size_t kFirstRead = 4096;
   _bytes = [bytes retain];
   _partial = partial;
   io::HeaderInfo header;
-  bool read = io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header);
+  bool read =
+      io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header);
   if (!read && _partial && [self allBytes] != nil) {
     read = io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header);
   }
@@ -161,13 +162,20 @@ CFStringRef CGImageSourceGetType(CGImageSourceRef ref) {
   const io::HeaderInfo *header = [Source(ref) header];
   if (header == NULL) return NULL;
   switch (header->format) {
-    case io::Format::PNG: return (CFStringRef) @"public.png";
-    case io::Format::JPEG: return (CFStringRef) @"public.jpeg";
-    case io::Format::GIF: return (CFStringRef) @"com.compuserve.gif";
-    case io::Format::BMP: return (CFStringRef) @"com.microsoft.bmp";
-    case io::Format::TIFF: return (CFStringRef) @"public.tiff";
-    case io::Format::WebP: return (CFStringRef) @"org.webmproject.webp";
-    case io::Format::Unknown: break;
+    case io::Format::PNG:
+      return (CFStringRef) @"public.png";
+    case io::Format::JPEG:
+      return (CFStringRef) @"public.jpeg";
+    case io::Format::GIF:
+      return (CFStringRef) @"com.compuserve.gif";
+    case io::Format::BMP:
+      return (CFStringRef) @"com.microsoft.bmp";
+    case io::Format::TIFF:
+      return (CFStringRef) @"public.tiff";
+    case io::Format::WebP:
+      return (CFStringRef) @"org.webmproject.webp";
+    case io::Format::Unknown:
+      break;
   }
   return NULL;
 }
@@ -215,8 +223,8 @@ CGImageRef CGImageSourceCreateImageAtIndex(CGImageSourceRef ref, size_t index,
     return NULL;
   }
   // CGImageCreate copies the provider's bytes: the buffer can stay ours.
-  CGDataProviderRef provider = CGDataProviderCreateWithData(NULL, decoded.rgba.data(),
-                                                            decoded.rgba.size(), NULL);
+  CGDataProviderRef provider =
+      CGDataProviderCreateWithData(NULL, decoded.rgba.data(), decoded.rgba.size(), NULL);
   if (provider == NULL) return NULL;
   CGColorSpaceRef rgb = CGColorSpaceCreateDeviceRGB();
   CGBitmapInfo info = decoded.hasAlpha ? kCGImageAlphaPremultipliedLast : kCGImageAlphaNoneSkipLast;

@@ -1,15 +1,19 @@
 #include "platform/ImageIO/engine/ImageDecoder.hpp"
 
+#include <gif_lib.h>
+// jpeglib.h needs FILE declared first.
+#include <stdio.h>
+// clang-format off
+#include <jpeglib.h>
+// clang-format on
+#include <png.h>
+#include <tiffio.h>
+#include <webp/decode.h>
+
 #include <csetjmp>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-
-#include <gif_lib.h>
-#include <jpeglib.h>
-#include <png.h>
-#include <tiffio.h>
-#include <webp/decode.h>
 
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 
@@ -94,7 +98,8 @@ bool DecodeJPEG(const uint8_t *data, size_t size, const DecodeLimits &limits, De
   bool cmyk = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
   info.out_color_space = cmyk ? JCS_CMYK : JCS_EXT_RGBA;
   jpeg_start_decompress(&info);
-  if (info.output_components != 4 || !Allocate(info.output_width, info.output_height, limits, out)) {
+  if (info.output_components != 4 ||
+      !Allocate(info.output_width, info.output_height, limits, out)) {
     jpeg_destroy_decompress(&info);
     return false;
   }
@@ -273,8 +278,8 @@ bool DecodeTIFF(const uint8_t *data, size_t size, size_t index, const DecodeLimi
   TIFFOpenOptionsSetWarningHandlerExtR(options, TIFFQuiet, nullptr);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(limits.maxPixels * 4 + 4096));
   TIFF *tiff = TIFFClientOpenExt("memory", "rm", &reader, TIFFReadMemory, TIFFWriteNothing,
-                                 TIFFSeekMemory, TIFFCloseNothing, TIFFSizeMemory,
-                                 TIFFMapNothing, TIFFUnmapNothing, options);
+                                 TIFFSeekMemory, TIFFCloseNothing, TIFFSizeMemory, TIFFMapNothing,
+                                 TIFFUnmapNothing, options);
   TIFFOpenOptionsFree(options);
   if (tiff == nullptr) return false;
   bool ok = index <= 0xFFFF && TIFFSetDirectory(tiff, tdir_t(index));
@@ -350,7 +355,9 @@ struct Channel {
   }
 };
 
-uint32_t LE32(const uint8_t *p) { return uint32_t(p[0]) | p[1] << 8 | p[2] << 16 | uint32_t(p[3]) << 24; }
+uint32_t LE32(const uint8_t *p) {
+  return uint32_t(p[0]) | p[1] << 8 | p[2] << 16 | uint32_t(p[3]) << 24;
+}
 uint32_t LE16(const uint8_t *p) { return uint32_t(p[0]) | p[1] << 8; }
 
 bool DecodeBMP(const uint8_t *data, size_t size, const DecodeLimits &limits, DecodedImage *out) {
@@ -441,13 +448,26 @@ bool DecodeImage(const uint8_t *data, size_t size, size_t index, DecodedImage *o
   if (single && index != 0) return false;
   bool ok = false;
   switch (format) {
-    case Format::PNG: ok = DecodePNG(data, size, limits, out); break;
-    case Format::JPEG: ok = DecodeJPEG(data, size, limits, out); break;
-    case Format::GIF: ok = DecodeGIF(data, size, index, limits, out); break;
-    case Format::BMP: ok = DecodeBMP(data, size, limits, out); break;
-    case Format::TIFF: ok = DecodeTIFF(data, size, index, limits, out); break;
-    case Format::WebP: ok = DecodeWebP(data, size, limits, out); break;
-    case Format::Unknown: break;
+    case Format::PNG:
+      ok = DecodePNG(data, size, limits, out);
+      break;
+    case Format::JPEG:
+      ok = DecodeJPEG(data, size, limits, out);
+      break;
+    case Format::GIF:
+      ok = DecodeGIF(data, size, index, limits, out);
+      break;
+    case Format::BMP:
+      ok = DecodeBMP(data, size, limits, out);
+      break;
+    case Format::TIFF:
+      ok = DecodeTIFF(data, size, index, limits, out);
+      break;
+    case Format::WebP:
+      ok = DecodeWebP(data, size, limits, out);
+      break;
+    case Format::Unknown:
+      break;
   }
   if (!ok) *out = DecodedImage();
   return ok;

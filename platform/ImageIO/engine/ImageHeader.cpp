@@ -11,9 +11,7 @@ class Bytes {
  public:
   Bytes(const uint8_t *data, size_t size) : data_(data), size_(size) {}
   size_t size() const { return size_; }
-  bool has(size_t offset, size_t count) const {
-    return offset <= size_ && count <= size_ - offset;
-  }
+  bool has(size_t offset, size_t count) const { return offset <= size_ && count <= size_ - offset; }
   bool u8(size_t at, uint32_t *v) const {
     if (!has(at, 1)) return false;
     *v = data_[at];
@@ -110,14 +108,29 @@ bool ReadIFD(const Bytes &tiff, bool big, uint32_t offset, TIFFFields *f) {
     bool ok = type == 3 ? tiff.u16(entry + 8, big, &value) : tiff.u32(entry + 8, big, &value);
     if (!ok) return false;
     switch (tag) {
-      case 256: f->width = value; break;
-      case 257: f->height = value; break;
-      case 274: f->orientation = (value >= 1 && value <= 8) ? int(value) : 0; break;
-      case 282: if (type == 5) f->xRes = Rational(tiff, value, big); break;
-      case 283: if (type == 5) f->yRes = Rational(tiff, value, big); break;
-      case 296: f->unit = value; break;
-      case 338: f->extraSamples = n > 0 && (value == 1 || value == 2 || type != 3 || n > 1); break;
-      default: break;
+      case 256:
+        f->width = value;
+        break;
+      case 257:
+        f->height = value;
+        break;
+      case 274:
+        f->orientation = (value >= 1 && value <= 8) ? int(value) : 0;
+        break;
+      case 282:
+        if (type == 5) f->xRes = Rational(tiff, value, big);
+        break;
+      case 283:
+        if (type == 5) f->yRes = Rational(tiff, value, big);
+        break;
+      case 296:
+        f->unit = value;
+        break;
+      case 338:
+        f->extraSamples = n > 0 && (value == 1 || value == 2 || type != 3 || n > 1);
+        break;
+      default:
+        break;
     }
   }
   uint32_t next = 0;
@@ -337,8 +350,8 @@ bool ReadWebP(const Bytes &b, HeaderInfo *info) {
   if (b.equals(chunk, "VP8 ")) {
     size_t d = chunk + 8;
     uint32_t s0 = 0, s1 = 0, s2 = 0, w = 0, h = 0;
-    if (!b.u8(d + 3, &s0) || !b.u8(d + 4, &s1) || !b.u8(d + 5, &s2) || s0 != 0x9D ||
-        s1 != 0x01 || s2 != 0x2A || !b.u16(d + 6, false, &w) || !b.u16(d + 8, false, &h)) {
+    if (!b.u8(d + 3, &s0) || !b.u8(d + 4, &s1) || !b.u8(d + 5, &s2) || s0 != 0x9D || s1 != 0x01 ||
+        s2 != 0x2A || !b.u16(d + 6, false, &w) || !b.u16(d + 8, false, &h)) {
       return false;
     }
     info->width = w & 0x3FFF;
@@ -372,13 +385,26 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
   read.format = SniffFormat(data, size);
   bool ok = false;
   switch (read.format) {
-    case Format::PNG: ok = ReadPNG(b, &read); break;
-    case Format::JPEG: ok = ReadJPEG(b, &read); break;
-    case Format::GIF: ok = ReadGIF(b, &read); break;
-    case Format::BMP: ok = ReadBMP(b, &read); break;
-    case Format::TIFF: ok = ReadTIFF(b, &read); break;
-    case Format::WebP: ok = ReadWebP(b, &read); break;
-    case Format::Unknown: break;
+    case Format::PNG:
+      ok = ReadPNG(b, &read);
+      break;
+    case Format::JPEG:
+      ok = ReadJPEG(b, &read);
+      break;
+    case Format::GIF:
+      ok = ReadGIF(b, &read);
+      break;
+    case Format::BMP:
+      ok = ReadBMP(b, &read);
+      break;
+    case Format::TIFF:
+      ok = ReadTIFF(b, &read);
+      break;
+    case Format::WebP:
+      ok = ReadWebP(b, &read);
+      break;
+    case Format::Unknown:
+      break;
   }
   if (ok) *info = read;
   return ok;
@@ -386,13 +412,20 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
 
 const char *TypeIdentifier(Format format) {
   switch (format) {
-    case Format::PNG: return "public.png";
-    case Format::JPEG: return "public.jpeg";
-    case Format::GIF: return "com.compuserve.gif";
-    case Format::BMP: return "com.microsoft.bmp";
-    case Format::TIFF: return "public.tiff";
-    case Format::WebP: return "org.webmproject.webp";
-    case Format::Unknown: break;
+    case Format::PNG:
+      return "public.png";
+    case Format::JPEG:
+      return "public.jpeg";
+    case Format::GIF:
+      return "com.compuserve.gif";
+    case Format::BMP:
+      return "com.microsoft.bmp";
+    case Format::TIFF:
+      return "public.tiff";
+    case Format::WebP:
+      return "org.webmproject.webp";
+    case Format::Unknown:
+      break;
   }
   return nullptr;
 }

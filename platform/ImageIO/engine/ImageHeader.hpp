@@ -20,7 +20,7 @@ enum class Format { Unknown, PNG, JPEG, GIF, BMP, TIFF, WebP };
 
 struct HeaderInfo {
   Format format = Format::Unknown;
-  uint32_t width = 0;   // stored pixels, before any orientation
+  uint32_t width = 0;  // stored pixels, before any orientation
   uint32_t height = 0;
   int orientation = 0;  // EXIF/TIFF 1...8, 0 when the file states none
   double dpiWidth = 0;  // 0 when the file states no resolution

@@ -19,3 +19,5 @@
 #import <AppKit/NSView+TalvoLayoutGeometry.h>
 #import <AppKit/NSViewController+TalvoPlatform.h>
 #import <AppKit/NSWindow+TalvoLayout.h>
+#import <AppKit/NSPasteboard+TalvoPlatform.h>
+#import <AppKit/NSImage+TalvoImageTypes.h>
