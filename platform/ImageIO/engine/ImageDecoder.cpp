@@ -153,6 +153,7 @@ bool ComposeGIF(GifFileType *gif, size_t index, const DecodeLimits &limits, Deco
   std::vector<uint8_t> lines;
   std::vector<uint8_t> saved;
   size_t frame = 0;
+  bool reached = false;
   GifRecordType record;
   do {
     if (DGifGetRecordType(gif, &record) == GIF_ERROR) return false;
@@ -204,7 +205,10 @@ bool ComposeGIF(GifFileType *gif, size_t index, const DecodeLimits &limits, Deco
           p[3] = 255;
         }
       }
-      if (frame == index) break;
+      if (frame == index) {
+        reached = true;
+        break;
+      }
       if (control.DisposalMode == DISPOSE_BACKGROUND) {
         for (int64_t y = desc.Top; y < bottom && y < int64_t(out->height); y++) {
           for (int64_t x = desc.Left; x < right && x < int64_t(out->width); x++) {
@@ -218,7 +222,7 @@ bool ComposeGIF(GifFileType *gif, size_t index, const DecodeLimits &limits, Deco
       frame++;
     }
   } while (record != TERMINATE_RECORD_TYPE);
-  if (frame != index) return false;
+  if (!reached) return false;
   // Transparency is a property of the file's frames, as the header reader says.
   uint8_t *p = out->rgba.data();
   for (size_t i = 3, n = out->rgba.size(); i < n; i += 4) {

@@ -1,5 +1,6 @@
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 
+#include <cmath>
 #include <cstring>
 
 namespace talvo::imageio {
@@ -47,6 +48,10 @@ class Bytes {
 
 constexpr double kInchesPerMetre = 0.0254;
 
+// Pixels per metre are whole numbers, so 72 dpi is stored as 2835 (72.009):
+// a resolution from metres is rounded to whole dots per inch.
+double DPIFromPixelsPerMetre(uint32_t ppm) { return std::round(ppm * kInchesPerMetre); }
+
 bool ReadPNG(const Bytes &b, HeaderInfo *info) {
   uint32_t length = 0, width = 0, height = 0, colorType = 0;
   if (!b.u32(8, true, &length) || !b.equals(12, "IHDR") || length < 13) return false;
@@ -68,8 +73,8 @@ bool ReadPNG(const Bytes &b, HeaderInfo *info) {
       uint32_t x = 0, y = 0, unit = 0;
       if (b.u32(body, true, &x) && b.u32(body + 4, true, &y) && b.u8(body + 8, &unit) &&
           unit == 1) {
-        info->dpiWidth = x * kInchesPerMetre;
-        info->dpiHeight = y * kInchesPerMetre;
+        info->dpiWidth = DPIFromPixelsPerMetre(x);
+        info->dpiHeight = DPIFromPixelsPerMetre(y);
       }
     }
     if (chunkLength > b.size()) break;
@@ -306,8 +311,8 @@ bool ReadBMP(const Bytes &b, HeaderInfo *info) {
     width = uint32_t(sw);
     height = uint32_t(magnitude);
     if (xppm > 0 && yppm > 0) {
-      info->dpiWidth = xppm * kInchesPerMetre;
-      info->dpiHeight = yppm * kInchesPerMetre;
+      info->dpiWidth = DPIFromPixelsPerMetre(xppm);
+      info->dpiHeight = DPIFromPixelsPerMetre(yppm);
     }
     uint32_t alphaMask = 0;
     if (bits == 32 && headerSize >= 56 && b.u32(14 + 52, false, &alphaMask) && alphaMask != 0) {
