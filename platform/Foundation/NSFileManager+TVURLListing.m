@@ -20,6 +20,8 @@
 #include <errno.h>
 #include <sys/stat.h>
 
+#import <Foundation/NSFileManager+TalvoPlatform.h>
+
 #import "platform/objc/TVRuntime.h"
 
 #if __has_feature(objc_arc)
@@ -204,6 +206,20 @@ static BOOL IsPackage(NSString *path) {
   return nil;
 }
 
+// One object at a time: a batch fetched ahead would enter directories
+// before the caller could skip them.
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState *)state
+                                  objects:(id *)buffer
+                                    count:(NSUInteger)length {
+  state->mutationsPtr = &state->extra[0];
+  if (length == 0) return 0;
+  id next = [self nextObject];
+  if (next == nil) return 0;
+  buffer[0] = next;
+  state->itemsPtr = buffer;
+  return 1;
+}
+
 #pragma mark - NSDirectoryEnumerator
 
 - (void)skipDescendants {
@@ -289,6 +305,14 @@ static NSDirectoryEnumerator *TVEnumeratorAtURL(NSFileManager *manager, SEL sele
   TVReplaceInstanceMethod(
       manager, @selector(enumeratorAtURL:includingPropertiesForKeys:options:errorHandler:),
       (IMP)TVEnumeratorAtURL);
+}
+
+@end
+
+@implementation NSDirectoryEnumerator (TalvoPlatform)
+
+- (void)skipDescendants {
+  [self skipDescendents];
 }
 
 @end

@@ -11,7 +11,10 @@ static NSArray *TypesForExtensions(NSArray *extensions) {
   for (id extension in extensions) {
     if (![extension isKindOfClass:[NSString class]]) continue;
     NSString *type = TVTypeIdentifierForPath([@"x" stringByAppendingPathExtension:extension], NO);
-    if (type != nil && ![type isEqualToString:@"public.data"] && ![types containsObject:type]) {
+    // GNUstep's lists hold what filter services convert too (text, for
+    // one): only picture formats are image types.
+    BOOL picture = TVTypeConformsTo(type, @"public.image") || [type isEqualToString:@"com.adobe.pdf"];
+    if (picture && ![types containsObject:type]) {
       [types addObject:type];
     }
   }

@@ -21,3 +21,4 @@
 #import <AppKit/NSWindow+TalvoLayout.h>
 #import <AppKit/NSPasteboard+TalvoPlatform.h>
 #import <AppKit/NSImage+TalvoImageTypes.h>
+#import <Foundation/NSFileManager+TalvoPlatform.h>

@@ -1,7 +1,9 @@
 /*
  * The uniform type identifiers of the image formats NSImage can load on
  * this platform, derived from GNUstep's file extensions ("png" gives
- * "public.png"); extensions with no known identifier are left out.
+ * "public.png"); extensions with no known identifier, and formats that
+ * are not pictures (GNUstep lists what its filter services convert, text
+ * included), are left out. PDF counts as an image type, as on macOS.
  */
 #import <AppKit/NSImage.h>
 
