@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
 
 #include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
@@ -25,17 +26,15 @@ const CFStringRef kCGImagePropertyDPIWidth = (CFStringRef) @"DPIWidth";
 const CFStringRef kCGImagePropertyDPIHeight = (CFStringRef) @"DPIHeight";
 const CFStringRef kCGImagePropertyHasAlpha = (CFStringRef) @"HasAlpha";
 
-// Most headers fit in the first block of a file; the rest of the file is
-// read only when they do not, or when pixels are wanted.
-static const size_t kFirstRead = 4096;
-
 @interface _TVImageSource : NSObject {
-  NSString *_path;  // nil for a source over data
-  NSData *_bytes;   // the whole file, or its first block while _partial
-  BOOL _partial;
+  NSString *_path;          // nil for a source over data
+  NSData *_bytes;           // the whole file; nil until pixels or a count are wanted
+  BOOL _partial;            // the header was read from the file, not _bytes
   io::HeaderInfo *_header;  // NULL when the header is unreadable
 }
-- (instancetype)initWithPath:(NSString *)path bytes:(NSData *)bytes partial:(BOOL)partial;
+- (instancetype)initWithBytes:(NSData *)bytes;
+// The header is read from the open file `fd`, which stays the caller's.
+- (instancetype)initWithPath:(NSString *)path file:(int)fd size:(size_t)size;
 - (const io::HeaderInfo *)header;
 // The header with the image count of the whole file: GIF frames and TIFF
 // directories further on than the first block are counted.
@@ -47,18 +46,25 @@ static const size_t kFirstRead = 4096;
 
 #pragma mark - Lifecycle
 
-- (instancetype)initWithPath:(NSString *)path bytes:(NSData *)bytes partial:(BOOL)partial {
+- (instancetype)initWithBytes:(NSData *)bytes {
+  if ((self = [super init]) == nil) return nil;
+  _bytes = [bytes retain];
+  io::HeaderInfo header;
+  if (io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header)) {
+    _header = new io::HeaderInfo(header);
+  }
+  return self;
+}
+
+- (instancetype)initWithPath:(NSString *)path file:(int)fd size:(size_t)size {
   if ((self = [super init]) == nil) return nil;
   _path = [path copy];
-  _bytes = [bytes retain];
-  _partial = partial;
+  _partial = YES;
+  // Counting GIF frames or TIFF directories can mean reading the whole
+  // file: that waits until the count is asked for.
+  std::unique_ptr<io::FileSource> file(new io::FileSource(fd, size));
   io::HeaderInfo header;
-  bool read =
-      io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header);
-  if (!read && _partial && [self allBytes] != nil) {
-    read = io::ReadHeader(static_cast<const uint8_t *>([_bytes bytes]), [_bytes length], &header);
-  }
-  if (read) _header = new io::HeaderInfo(header);
+  if (io::ReadHeader(*file, &header, false)) _header = new io::HeaderInfo(header);
   return self;
 }
 
@@ -87,48 +93,18 @@ static const size_t kFirstRead = 4096;
       *_header = header;
     }
   }
+  _partial = NO;
   return _header;
 }
 
 - (NSData *)allBytes {
-  if (_partial) {
-    NSData *all = [[NSData alloc] initWithContentsOfFile:_path];
-    if (all == nil) return nil;
-    [_bytes release];
-    _bytes = all;
-    _partial = NO;
-  }
+  if (_bytes == nil && _path != nil) _bytes = [[NSData alloc] initWithContentsOfFile:_path];
   return _bytes;
 }
 
 @end
 
 #pragma mark - Private
-
-// The first `limit` bytes of a regular file; nil for a directory or an
-// unreadable file. `*whole` says whether that was all of it.
-static NSData *ReadStart(NSString *path, size_t limit, BOOL *whole) {
-  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return nil;
-  struct stat info;
-  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-    close(fd);
-    return nil;
-  }
-  size_t wanted = size_t(info.st_size) < limit ? size_t(info.st_size) : limit;
-  NSMutableData *data = [NSMutableData dataWithLength:wanted];
-  size_t got = 0;
-  while (got < wanted) {
-    ssize_t n = read(fd, static_cast<uint8_t *>([data mutableBytes]) + got, wanted - got);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) break;
-    got += size_t(n);
-  }
-  close(fd);
-  [data setLength:got];
-  *whole = got == size_t(info.st_size);
-  return data;
-}
 
 static _TVImageSource *Source(CGImageSourceRef ref) {
   id object = (id)ref;
@@ -142,10 +118,15 @@ CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef option
   if (![u isKindOfClass:[NSURL class]] || ![u isFileURL]) return NULL;
   NSString *path = [u path];
   if ([path length] == 0) return NULL;
-  BOOL whole = NO;
-  NSData *start = ReadStart(path, kFirstRead, &whole);
-  if (start == nil) return NULL;
-  return (CGImageSourceRef)[[_TVImageSource alloc] initWithPath:path bytes:start partial:!whole];
+  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return NULL;
+  struct stat info;
+  _TVImageSource *source = nil;
+  if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode)) {
+    source = [[_TVImageSource alloc] initWithPath:path file:fd size:size_t(info.st_size)];
+  }
+  close(fd);
+  return (CGImageSourceRef)source;
 }
 
 CGImageSourceRef CGImageSourceCreateWithData(CFDataRef data, CFDictionaryRef options) {
@@ -153,7 +134,7 @@ CGImageSourceRef CGImageSourceCreateWithData(CFDataRef data, CFDictionaryRef opt
   if (![d isKindOfClass:[NSData class]] || [d length] == 0) return NULL;
   // An immutable copy: a mutable buffer could change under the source.
   NSData *bytes = [d copy];
-  _TVImageSource *source = [[_TVImageSource alloc] initWithPath:nil bytes:bytes partial:NO];
+  _TVImageSource *source = [[_TVImageSource alloc] initWithBytes:bytes];
   [bytes release];
   return (CGImageSourceRef)source;
 }

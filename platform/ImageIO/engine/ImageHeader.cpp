@@ -1,5 +1,8 @@
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <cmath>
 #include <cstring>
 
@@ -7,42 +10,49 @@ namespace talvo::imageio {
 
 namespace {
 
-// Bounds-checked reads: every accessor answers false past the end.
+// Bounds-checked reads from a window of a byte source: every accessor
+// answers false past the end.
 class Bytes {
  public:
-  Bytes(const uint8_t *data, size_t size) : data_(data), size_(size) {}
+  Bytes(ByteSource *source, size_t base, size_t size) : source_(source), base_(base), size_(size) {}
   size_t size() const { return size_; }
   bool has(size_t offset, size_t count) const { return offset <= size_ && count <= size_ - offset; }
   bool u8(size_t at, uint32_t *v) const {
-    if (!has(at, 1)) return false;
-    *v = data_[at];
+    uint8_t p[1];
+    if (!get(at, 1, p)) return false;
+    *v = p[0];
     return true;
   }
   bool u16(size_t at, bool big, uint32_t *v) const {
-    if (!has(at, 2)) return false;
-    const uint8_t *p = data_ + at;
+    uint8_t p[2];
+    if (!get(at, 2, p)) return false;
     *v = big ? (p[0] << 8 | p[1]) : (p[1] << 8 | p[0]);
     return true;
   }
   bool u32(size_t at, bool big, uint32_t *v) const {
-    if (!has(at, 4)) return false;
-    const uint8_t *p = data_ + at;
+    uint8_t p[4];
+    if (!get(at, 4, p)) return false;
     *v = big ? (uint32_t(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3])
              : (uint32_t(p[3]) << 24 | p[2] << 16 | p[1] << 8 | p[0]);
     return true;
   }
   bool equals(size_t at, const char *text) const {
+    uint8_t p[16];
     size_t n = strlen(text);
-    return has(at, n) && memcmp(data_ + at, text, n) == 0;
+    return n <= sizeof p && get(at, n, p) && memcmp(p, text, n) == 0;
   }
-  // The `count` bytes from `offset` (fewer at the end of the buffer).
+  // The `count` bytes from `offset` (fewer at the end of the window).
   Bytes range(size_t offset, size_t count) const {
-    if (offset > size_) return Bytes(data_, 0);
-    return Bytes(data_ + offset, count < size_ - offset ? count : size_ - offset);
+    if (offset > size_) return Bytes(source_, base_, 0);
+    return Bytes(source_, base_ + offset, count < size_ - offset ? count : size_ - offset);
   }
 
  private:
-  const uint8_t *data_;
+  bool get(size_t at, size_t count, uint8_t *out) const {
+    return has(at, count) && source_->read(base_ + at, count, out);
+  }
+  ByteSource *source_;
+  size_t base_;
   size_t size_;
 };
 
@@ -162,7 +172,7 @@ bool TIFFByteOrder(const Bytes &b, bool *big) {
   return b.u16(2, *big, &magic) && magic == 42;
 }
 
-bool ReadTIFF(const Bytes &b, HeaderInfo *info) {
+bool ReadTIFF(const Bytes &b, HeaderInfo *info, bool countImages) {
   bool big = false;
   uint32_t offset = 0;
   if (!TIFFByteOrder(b, &big) || !b.u32(4, big, &offset)) return false;
@@ -177,7 +187,7 @@ bool ReadTIFF(const Bytes &b, HeaderInfo *info) {
   // Count the directories; a chain that loops back stops at the cap.
   size_t images = 1;
   uint32_t next = f.next;
-  while (next != 0 && images < 1024) {
+  while (countImages && next != 0 && images < 1024) {
     TIFFFields more;
     if (next <= offset || !ReadIFD(b, big, next, &more)) break;
     offset = next;
@@ -252,7 +262,7 @@ bool ReadJPEG(const Bytes &b, HeaderInfo *info) {
   return false;
 }
 
-bool ReadGIF(const Bytes &b, HeaderInfo *info) {
+bool ReadGIF(const Bytes &b, HeaderInfo *info, bool countImages) {
   uint32_t width = 0, height = 0, flags = 0;
   if (!b.u16(6, false, &width) || !b.u16(8, false, &height) || !b.u8(10, &flags)) return false;
   if (width == 0 || height == 0) return false;
@@ -274,6 +284,8 @@ bool ReadGIF(const Bytes &b, HeaderInfo *info) {
     } else if (kind == 0x2C) {
       uint32_t local = 0;
       if (!b.u8(at + 9, &local)) break;
+      // Without counting, the first frame (and its control block) is enough.
+      if (!countImages) break;
       frames++;
       subBlocks = at + 10;
       if (local & 0x80) subBlocks += 3u << ((local & 7) + 1);
@@ -368,26 +380,80 @@ bool ReadWebP(const Bytes &b, HeaderInfo *info) {
 
 }  // namespace
 
-Format SniffFormat(const uint8_t *data, size_t size) {
-  Bytes b(data, size);
-  static const char kPNG[] = "\x89PNG\r\n\x1a\n";
-  if (b.has(0, 8) && memcmp(data, kPNG, 8) == 0) return Format::PNG;
-  if (b.has(0, 3) && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return Format::JPEG;
+namespace {
+
+Format Sniff(const Bytes &b) {
+  uint8_t head[8] = {0};
+  for (size_t i = 0; i < 8; i++) {
+    uint32_t v = 0;
+    if (!b.u8(i, &v)) break;
+    head[i] = uint8_t(v);
+  }
+  static const uint8_t kPNG[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (b.has(0, 8) && memcmp(head, kPNG, 8) == 0) return Format::PNG;
+  if (b.has(0, 3) && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF) return Format::JPEG;
   if (b.equals(0, "GIF87a") || b.equals(0, "GIF89a")) return Format::GIF;
   if (b.equals(0, "BM")) return Format::BMP;
-  if (b.has(0, 4) && (memcmp(data, "II*\0", 4) == 0 || memcmp(data, "MM\0*", 4) == 0)) {
+  if (b.has(0, 4) && (memcmp(head, "II*\0", 4) == 0 || memcmp(head, "MM\0*", 4) == 0)) {
     return Format::TIFF;
   }
   if (b.equals(0, "RIFF") && b.equals(8, "WEBP")) return Format::WebP;
   return Format::Unknown;
 }
 
-bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
+}  // namespace
+
+bool MemorySource::read(size_t offset, size_t count, uint8_t *out) {
+  if (offset > size_ || count > size_ - offset) return false;
+  memcpy(out, data_ + offset, count);
+  return true;
+}
+
+bool FileSource::read(size_t offset, size_t count, uint8_t *out) {
+  if (fd_ < 0 || offset > size_ || count > size_ - offset) return false;
+  while (count > 0) {
+    size_t block = offset / kBlockSize;
+    Block *hit = nullptr;
+    for (Block &b : blocks_) {
+      if (b.length > 0 && b.index == block) hit = &b;
+    }
+    if (hit == nullptr) {
+      hit = &blocks_[next_];
+      next_ = (next_ + 1) % kBlocks;
+      size_t start = block * kBlockSize;
+      size_t wanted = size_ - start < kBlockSize ? size_ - start : kBlockSize;
+      size_t got = 0;
+      while (got < wanted) {
+        ssize_t n = pread(fd_, hit->data + got, wanted - got, off_t(start + got));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        got += size_t(n);
+      }
+      hit->index = block;
+      hit->length = got;
+    }
+    size_t within = offset - block * kBlockSize;
+    if (within >= hit->length) return false;
+    size_t n = hit->length - within < count ? hit->length - within : count;
+    memcpy(out, hit->data + within, n);
+    out += n;
+    offset += n;
+    count -= n;
+  }
+  return true;
+}
+
+Format SniffFormat(const uint8_t *data, size_t size) {
+  if (data == nullptr) return Format::Unknown;
+  MemorySource source(data, size);
+  return Sniff(Bytes(&source, 0, size));
+}
+
+bool ReadHeader(ByteSource &source, HeaderInfo *info, bool countImages) {
   *info = HeaderInfo();
-  if (data == nullptr) return false;
-  Bytes b(data, size);
+  Bytes b(&source, 0, source.size());
   HeaderInfo read;
-  read.format = SniffFormat(data, size);
+  read.format = Sniff(b);
   bool ok = false;
   switch (read.format) {
     case Format::PNG:
@@ -397,13 +463,13 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
       ok = ReadJPEG(b, &read);
       break;
     case Format::GIF:
-      ok = ReadGIF(b, &read);
+      ok = ReadGIF(b, &read, countImages);
       break;
     case Format::BMP:
       ok = ReadBMP(b, &read);
       break;
     case Format::TIFF:
-      ok = ReadTIFF(b, &read);
+      ok = ReadTIFF(b, &read, countImages);
       break;
     case Format::WebP:
       ok = ReadWebP(b, &read);
@@ -413,6 +479,15 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
   }
   if (ok) *info = read;
   return ok;
+}
+
+bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
+  if (data == nullptr) {
+    *info = HeaderInfo();
+    return false;
+  }
+  MemorySource source(data, size);
+  return ReadHeader(source, info, true);
 }
 
 const char *TypeIdentifier(Format format) {
