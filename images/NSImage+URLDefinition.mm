@@ -1,5 +1,6 @@
 #import <Talvo/NSImage+URLDefinition.h>
 
+#include <ImageIO/ImageIO.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,12 +43,34 @@ bool IsLoadableFile(NSString *path) {
          access(name, R_OK) == 0;
 }
 
+// Decoding allocates what the header declares: a few hundred bytes can ask
+// for gigabytes. Files of a known format declaring more pixels than this
+// are not handed to the platform's decoders.
+constexpr double kMaxPixels = double(1u << 28);
+
+bool DeclaresTooManyPixels(NSURL *url) {
+  CGImageSourceRef source = CGImageSourceCreateWithURL((CFURLRef)url, NULL);
+  if (source == NULL) return false;
+  bool tooMany = false;
+  CFDictionaryRef properties = CGImageSourceCopyPropertiesAtIndex(source, 0, NULL);
+  if (properties != NULL) {
+    NSDictionary *values = (NSDictionary *)properties;
+    double width = [[values objectForKey:(NSString *)kCGImagePropertyPixelWidth] doubleValue];
+    double height = [[values objectForKey:(NSString *)kCGImagePropertyPixelHeight] doubleValue];
+    tooMany = width * height > kMaxPixels;
+    CFRelease(properties);
+  }
+  CFRelease(source);
+  return tooMany;
+}
+
 }  // namespace
 
 @implementation NSImage (urlDefinition)
 
 - (instancetype)initWithDefinitionContentsOfURL:(NSURL *)url {
-  if (![url isKindOfClass:[NSURL class]] || ![url isFileURL] || !IsLoadableFile([url path])) {
+  if (![url isKindOfClass:[NSURL class]] || ![url isFileURL] || !IsLoadableFile([url path]) ||
+      DeclaresTooManyPixels(url)) {
     [self release];
     return nil;
   }

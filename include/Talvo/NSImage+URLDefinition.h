@@ -15,7 +15,9 @@ NS_ASSUME_NONNULL_BEGIN
  * infinite.
  * Only file URLs are read (no network access). Returns nil, without
  * raising, for nil, a URL of another scheme, a missing, empty, unreadable,
- * truncated or corrupt file, a directory, or a file that is no image. */
+ * truncated or corrupt file, a directory, or a file that is no image; and
+ * for a file whose header declares more than 2^28 pixels (a GiB of RGBA),
+ * which is not decoded at all. */
 - (nullable instancetype)initWithDefinitionContentsOfURL:(NSURL *)url;
 
 @end
