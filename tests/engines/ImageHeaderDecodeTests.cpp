@@ -121,6 +121,13 @@ TEST(ImageHeaderDecode, GIFFramesComposedWithDisposal) {
   EXPECT_EQ(At(interlaced, 0, 5), kBlue);
 }
 
+TEST(ImageHeaderDecode, TIFFClaimingAssociatedAlphaStaysPremultiplied) {
+  // Straight pixels declared as premultiplied: (0, 0, 255) at alpha 128.
+  DecodedImage image = Decode(fx::TIFF(fx::SplitPicture(4, 2), false, 1, 0, 0, true));
+  EXPECT_EQ(At(image, 3, 1), (Pixel{0, 0, 128, 128}));
+  EXPECT_EQ(At(image, 0, 0), (Pixel{255, 0, 0, 255}));
+}
+
 TEST(ImageHeaderDecode, TIFFPagesAndSingleImageFormatsByIndex) {
   fx::Picture picture = fx::SplitPicture(4, 4);
   fx::Bytes tiff = fx::TIFF(picture, false, 2);

@@ -269,11 +269,11 @@ inline Bytes BMP(const Picture &picture, int bits, bool topDown = false, uint32_
   return b;
 }
 
-// An uncompressed RGBA TIFF (unassociated alpha), in either byte order,
+// An uncompressed RGBA TIFF (unassociated alpha unless asked), in either byte order,
 // with `pages` identical directories; `orientation` and `dpi` > 0 add
 // those tags.
 inline Bytes TIFF(const Picture &picture, bool bigEndian = false, int pages = 1,
-                  int orientation = 0, int dpi = 0) {
+                  int orientation = 0, int dpi = 0, bool associatedAlpha = false) {
   Bytes b;
   auto u16 = [&](uint32_t v) {
     if (bigEndian) {
@@ -329,7 +329,7 @@ inline Bytes TIFF(const Picture &picture, bool bigEndian = false, int pages = 1,
       entries.push_back({283, 5, 1, uint32_t(resolutionAt)});
       entries.push_back({296, 3, 1, 2});
     }
-    entries.push_back({338, 3, 1, 2});
+    entries.push_back({338, 3, 1, associatedAlpha ? 1u : 2u});
     std::sort(entries.begin(), entries.end(),
               [](const Entry &x, const Entry &y) { return x.tag < y.tag; });
     patch32(link, uint32_t(b.size()));

@@ -10,6 +10,7 @@
 #include <tiffio.h>
 #include <webp/decode.h>
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstdarg>
 #include <cstdio>
@@ -306,10 +307,14 @@ bool DecodeTIFF(const uint8_t *data, size_t size, size_t index, const DecodeLimi
       for (size_t i = 0, n = size_t(width) * height; i < n; i++) {
         uint32_t word = raster[i];
         uint8_t *p = &out->rgba[i * 4];
-        p[0] = uint8_t(TIFFGetR(word));
-        p[1] = uint8_t(TIFFGetG(word));
-        p[2] = uint8_t(TIFFGetB(word));
-        p[3] = uint8_t(TIFFGetA(word));
+        uint8_t a = uint8_t(TIFFGetA(word));
+        // A file that claims associated alpha is taken at its word, so its
+        // colours can exceed their alpha: clamped, as premultiplied
+        // pixels must be.
+        p[0] = std::min(uint8_t(TIFFGetR(word)), a);
+        p[1] = std::min(uint8_t(TIFFGetG(word)), a);
+        p[2] = std::min(uint8_t(TIFFGetB(word)), a);
+        p[3] = a;
       }
     }
   }
