@@ -23,3 +23,6 @@
 #import <AppKit/NSWindow+TalvoPlatform.h>
 #import <AppKit/NSAppearance+TalvoPlatform.h>
 #import <AppKit/NSVisualEffectView.h>
+#import <AppKit/NSPasteboard+TalvoPlatform.h>
+#import <AppKit/NSImage+TalvoImageTypes.h>
+#import <Foundation/NSFileManager+TalvoPlatform.h>
