@@ -1,6 +1,5 @@
 #import <AppKit/AppKit.h>
 
-#import <Talvo/TalvoExport.h>
 
 NS_ASSUME_NONNULL_BEGIN
 
