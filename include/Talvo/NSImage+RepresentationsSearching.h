@@ -1,6 +1,5 @@
 #import <AppKit/AppKit.h>
 
-
 NS_ASSUME_NONNULL_BEGIN
 
 /** Bits of the `selector` mask of bestRepresentationForSideSize:selector:. */
