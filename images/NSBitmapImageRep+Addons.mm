@@ -17,6 +17,14 @@ constexpr NSInteger kMaxCanvasPixels = NSInteger(1) << 28;
 
 bool Finite(NSSize size) { return std::isfinite(size.width) && std::isfinite(size.height); }
 
+// Whether a representation of this size can be drawn on a canvas: sizes of
+// nothing, negative ones and ones beyond any canvas are passed over (GNUstep
+// raises on some of them and leaks what it was drawing with).
+bool Drawable(NSSize size) {
+  const double limit = 1e6;
+  return size.width > 0 && size.height > 0 && size.width <= limit && size.height <= limit;
+}
+
 // The output image of filter `name` with these inputs; nil when anything
 // fails.
 CIImage *Filtered(NSString *name, NSDictionary *inputs) {
@@ -122,7 +130,7 @@ CIImage *Filtered(NSString *name, NSDictionary *inputs) {
     for (NSImageRep *rep in imageReps) {
       if (![rep isKindOfClass:[NSImageRep class]]) continue;
       NSSize size = [rep size];
-      if (!Finite(size) || !Finite(firstSize)) continue;
+      if (!Drawable(size) || !Drawable(firstSize)) continue;
       NSRect into = NSMakeRect(std::floor((firstSize.width - size.width) * 0.5),
                                std::floor((firstSize.height - size.height) * 0.5), size.width,
                                size.height);

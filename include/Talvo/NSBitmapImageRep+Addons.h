@@ -30,7 +30,9 @@ NS_ASSUME_NONNULL_BEGIN
  * the first's size. The canvas's points are its pixels.
  *
  * @param imageReps Representations; elements that are not image
- * representations are passed over.
+ * representations, and representations whose point size is not positive or
+ * beyond a million points on a side (with the first's size, all of them),
+ * are passed over.
  * @return The canvas, or nil when the array is nil, empty or not an array,
  * when its first element is not an image representation, or when that has
  * no pixel size (pixelsWide or pixelsHigh <= 0). */
