@@ -48,12 +48,13 @@ check-asan: deps
 	$(MAKE) fuzz-smoke
 
 # libFuzzer targets (fuzz/): the visual format parser, the layout solver,
-# Quartz images with trimming. Built apart, with coverage and sanitizers.
+# Quartz images with trimming, Image I/O's header reader and decoders.
+# Built apart, with coverage and sanitizers.
 # `make fuzz` runs each for FUZZ_SECONDS, one after the other, growing a
 # corpus in the build directory from the seeds in fuzz/corpus/; reproducers
 # of failures land in $(FUZZ_BUILD_DIR)/crashes/.
 FUZZ_BUILD_DIR ?= build-fuzz
-FUZZ_TARGETS   ?= visual_format layout_solver cg_image
+FUZZ_TARGETS   ?= visual_format layout_solver cg_image image_header image_decode
 FUZZ_SECONDS   ?= 300
 FUZZ_RUNS      ?= 20000
 
@@ -101,7 +102,7 @@ demo: build
 bench: deps
 	tools/install-deps --bench
 	$(CMAKE_ENV) cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DTALVO_BUILD_TESTS=OFF
-	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench ImageBench SplitViewBench QuartzBench
+	cmake --build build-release -j$(JOBS) --target LayoutSolverBench TimingCurveBench ImageBench SplitViewBench QuartzBench ImageLoadingBench
 	build-release/bench/LayoutSolverBench
 	build-release/bench/TimingCurveBench
 	$(XVFB) build-release/bench/SplitViewBench 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
@@ -109,6 +110,8 @@ bench: deps
 	$(XVFB) build-release/bench/QuartzBench --benchmark_repetitions=5 --benchmark_display_aggregates_only=true 2>&1 | grep -v -E 'BadWindow|X-Windows error|on display:|type: |serial number:|request code:|offsets for style'
 	$(XVFB) bench/compare-trim.py build-release/bench/ImageBench
 	/usr/bin/python3 bench/compare-kiwi.py build-release/bench/LayoutSolverBench
+	build-release/bench/ImageLoadingBench
+	/usr/bin/python3 bench/compare-header.py build-release/bench/ImageLoadingBench
 
 install: build
 	cmake --install $(BUILD_DIR) --prefix $(PREFIX)

@@ -35,6 +35,11 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSColor+Transform.h>
 #import <Talvo/NSGradient+GradientCell.h>
 #import <Talvo/ReflectedGradient.h>
+#import <Talvo/NSImage+URLDefinition.h>
+#import <Talvo/NSImage+Directory.h>
+#import <Talvo/NSImage+URLs.h>
+#import <Talvo/NSImage+Pasteboard.h>
+#import <Talvo/NSImage+FileSize.h>
 
 // Controls and cells
 #import <Talvo/VXPopoverShape.h>

@@ -8,17 +8,11 @@
 
 #import "platform/objc/TVRuntime.h"
 
-static BOOL TVAllowsReverseTransformation(id cls, SEL selector) {
-  return YES;
-}
+static BOOL TVAllowsReverseTransformation(id cls, SEL selector) { return YES; }
 
-static Class TVTransformedValueClass(id cls, SEL selector) {
-  return [NSObject class];
-}
+static Class TVTransformedValueClass(id cls, SEL selector) { return [NSObject class]; }
 
-static id TVTransformedValue(id transformer, SEL selector, id value) {
-  return value;
-}
+static id TVTransformedValue(id transformer, SEL selector, id value) { return value; }
 
 @interface _TVValueTransformerDefaults : NSObject
 @end
@@ -30,7 +24,8 @@ static id TVTransformedValue(id transformer, SEL selector, id value) {
   Class metaclass = object_getClass(transformer);
   TVReplaceInstanceMethod(metaclass, @selector(allowsReverseTransformation),
                           (IMP)TVAllowsReverseTransformation);
-  TVReplaceInstanceMethod(metaclass, @selector(transformedValueClass), (IMP)TVTransformedValueClass);
+  TVReplaceInstanceMethod(metaclass, @selector(transformedValueClass),
+                          (IMP)TVTransformedValueClass);
   TVReplaceInstanceMethod(transformer, @selector(transformedValue:), (IMP)TVTransformedValue);
 }
 

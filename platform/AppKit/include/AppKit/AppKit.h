@@ -19,3 +19,6 @@
 #import <AppKit/NSView+TalvoLayoutGeometry.h>
 #import <AppKit/NSViewController+TalvoPlatform.h>
 #import <AppKit/NSWindow+TalvoLayout.h>
+#import <AppKit/NSPasteboard+TalvoPlatform.h>
+#import <AppKit/NSImage+TalvoImageTypes.h>
+#import <Foundation/NSFileManager+TalvoPlatform.h>
