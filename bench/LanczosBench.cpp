@@ -48,10 +48,18 @@ void Resample(benchmark::State &state, int from, int to, ResampleCode code) {
   state.counters["vector"] = code == ResampleCode::Automatic && ResampleHasVectorCode();
 }
 
-void BM_Lanczos_4096_to_1024(benchmark::State &s) { Resample(s, 4096, 1024, ResampleCode::Automatic); }
-void BM_Lanczos_4096_to_1024_Portable(benchmark::State &s) { Resample(s, 4096, 1024, ResampleCode::Portable); }
-void BM_Lanczos_512_to_1536(benchmark::State &s) { Resample(s, 512, 1536, ResampleCode::Automatic); }
-void BM_Lanczos_512_to_1536_Portable(benchmark::State &s) { Resample(s, 512, 1536, ResampleCode::Portable); }
+void BM_Lanczos_4096_to_1024(benchmark::State &s) {
+  Resample(s, 4096, 1024, ResampleCode::Automatic);
+}
+void BM_Lanczos_4096_to_1024_Portable(benchmark::State &s) {
+  Resample(s, 4096, 1024, ResampleCode::Portable);
+}
+void BM_Lanczos_512_to_1536(benchmark::State &s) {
+  Resample(s, 512, 1536, ResampleCode::Automatic);
+}
+void BM_Lanczos_512_to_1536_Portable(benchmark::State &s) {
+  Resample(s, 512, 1536, ResampleCode::Portable);
+}
 
 // Reading every source byte once and writing every result byte once.
 void BM_Floor_4096_to_1024(benchmark::State &state) {

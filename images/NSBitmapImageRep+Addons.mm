@@ -50,16 +50,13 @@ CIImage *Filtered(NSString *name, NSDictionary *inputs) {
     if (!image) return nil;
     // Clamped first, so that the kernel reads repeated edge pixels rather
     // than the transparency beyond them.
-    CIImage *clamped = Filtered(@"CIAffineClamp", @{
-      @"inputTransform" : [NSAffineTransform transform],
-      @"inputImage" : image
-    });
+    CIImage *clamped =
+        Filtered(@"CIAffineClamp",
+                 @{@"inputTransform" : [NSAffineTransform transform], @"inputImage" : image});
     if (!clamped) return nil;
-    CIImage *scaled = Filtered(@"CILanczosScaleTransform", @{
-      @"inputScale" : @(scale),
-      @"inputAspectRatio" : @(1.0f),
-      @"inputImage" : clamped
-    });
+    CIImage *scaled = Filtered(
+        @"CILanczosScaleTransform",
+        @{@"inputScale" : @(scale), @"inputAspectRatio" : @(1.0f), @"inputImage" : clamped});
     if (!scaled) return nil;
     CIVector *rectangle = [CIVector vectorWithX:0
                                               Y:0
@@ -131,9 +128,9 @@ CIImage *Filtered(NSString *name, NSDictionary *inputs) {
       if (![rep isKindOfClass:[NSImageRep class]]) continue;
       NSSize size = [rep size];
       if (!Drawable(size) || !Drawable(firstSize)) continue;
-      NSRect into = NSMakeRect(std::floor((firstSize.width - size.width) * 0.5),
-                               std::floor((firstSize.height - size.height) * 0.5), size.width,
-                               size.height);
+      NSRect into =
+          NSMakeRect(std::floor((firstSize.width - size.width) * 0.5),
+                     std::floor((firstSize.height - size.height) * 0.5), size.width, size.height);
       [rep drawInRect:into
                 fromRect:NSMakeRect(0, 0, size.width, size.height)
                operation:NSCompositeSourceOver

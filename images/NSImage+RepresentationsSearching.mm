@@ -8,15 +8,13 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
-static_assert(VXRepresentationAllowLarger == talvo::images::kRepresentationAllowLarger &&
-                  VXRepresentationAllowSmaller == talvo::images::kRepresentationAllowSmaller &&
-                  VXRepresentationStandardResolution ==
-                      talvo::images::kRepresentationStandardResolution &&
-                  VXRepresentationDoubleResolution ==
-                      talvo::images::kRepresentationDoubleResolution &&
-                  VXRepresentationTripleResolution ==
-                      talvo::images::kRepresentationTripleResolution,
-              "the public mask bits are the core's");
+static_assert(
+    VXRepresentationAllowLarger == talvo::images::kRepresentationAllowLarger &&
+        VXRepresentationAllowSmaller == talvo::images::kRepresentationAllowSmaller &&
+        VXRepresentationStandardResolution == talvo::images::kRepresentationStandardResolution &&
+        VXRepresentationDoubleResolution == talvo::images::kRepresentationDoubleResolution &&
+        VXRepresentationTripleResolution == talvo::images::kRepresentationTripleResolution,
+    "the public mask bits are the core's");
 
 @implementation NSImage (representationsSearching)
 

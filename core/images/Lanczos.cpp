@@ -101,10 +101,10 @@ void VerticalRowPortable(const int16_t *const *rows, const int16_t *w, int count
 // (zero weights in front) and are padded with zero weights to a multiple of
 // 4. A step is then one load, one multiply-add and one add.
 struct QuadPlan {
-  std::vector<int> group;         // first 4-pixel group read
+  std::vector<int> group;  // first 4-pixel group read
   std::vector<int> quads;
-  std::vector<size_t> start;      // index into weights
-  std::vector<int16_t> weights;   // 4 per quad
+  std::vector<size_t> start;     // index into weights
+  std::vector<int16_t> weights;  // 4 per quad
 };
 
 QuadPlan MakeQuadPlan(const Kernel &kernel) {
@@ -159,31 +159,33 @@ __attribute__((target("avx2"))) inline __m256i QuadSum(const int16_t *p, const i
     int64_t w0, w1;
     std::memcpy(&w0, w, sizeof w0);
     std::memcpy(&w1, w + 4, sizeof w1);
-    acc0 = _mm256_add_epi32(acc0, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)),
-                                                    _mm256_set1_epi64x(w0)));
-    acc1 = _mm256_add_epi32(acc1, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p + 16)),
-                                                    _mm256_set1_epi64x(w1)));
+    acc0 = _mm256_add_epi32(
+        acc0, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)),
+                                _mm256_set1_epi64x(w0)));
+    acc1 = _mm256_add_epi32(
+        acc1, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p + 16)),
+                                _mm256_set1_epi64x(w1)));
   }
   if (q < quads) {
     int64_t w0;
     std::memcpy(&w0, w, sizeof w0);
-    acc0 = _mm256_add_epi32(acc0, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)),
-                                                    _mm256_set1_epi64x(w0)));
+    acc0 = _mm256_add_epi32(
+        acc0, _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)),
+                                _mm256_set1_epi64x(w0)));
   }
   return _mm256_add_epi32(acc0, acc1);
 }
 
-__attribute__((target("avx2"))) void HorizontalRowAVX2(const int16_t *grouped,
-                                                       const QuadPlan &plan, int shift,
-                                                       int16_t *mid) {
+__attribute__((target("avx2"))) void HorizontalRowAVX2(const int16_t *grouped, const QuadPlan &plan,
+                                                       int shift, int16_t *mid) {
   const __m256i round = _mm256_set1_epi32(1 << (shift - 1));
   const __m128i count = _mm_cvtsi32_si128(shift);
   // Lanes after hadd: A.r A.g B.r B.g | A.b A.a B.b B.a.
   const __m256i order = _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7);
   const size_t positions = plan.group.size();
   for (size_t x = 0; x < positions; x += 2) {
-    __m256i a = QuadSum(grouped + size_t(plan.group[x]) * 16, &plan.weights[plan.start[x]],
-                        plan.quads[x]);
+    __m256i a =
+        QuadSum(grouped + size_t(plan.group[x]) * 16, &plan.weights[plan.start[x]], plan.quads[x]);
     __m256i b = x + 1 < positions ? QuadSum(grouped + size_t(plan.group[x + 1]) * 16,
                                             &plan.weights[plan.start[x + 1]], plan.quads[x + 1])
                                   : _mm256_setzero_si256();
@@ -217,8 +219,8 @@ __attribute__((target("avx2"))) inline __m128i FinishFour(__m256i lo, __m256i hi
 }
 
 __attribute__((target("avx2"))) void VerticalRowAVX2(const int16_t *const *rows,
-                                                     const int32_t *pairs, int pairCount,
-                                                     int width, int bits, uint8_t *dst) {
+                                                     const int32_t *pairs, int pairCount, int width,
+                                                     int bits, uint8_t *dst) {
   const int shift = bits + kMidFractionBits;
   const __m256i round = _mm256_set1_epi32(1 << (shift - 1));
   const __m128i shiftCount = _mm_cvtsi32_si128(shift);
@@ -421,8 +423,7 @@ Kernel MakeLanczos3Kernel(int source, int destination, ResampleAxis axis, int ma
   for (int i = 0; i < destination; ++i) {
     const int32_t *q = &quantised[size_t(i) * size_t(window)];
     kernel.taps[size_t(i)] = {firsts[size_t(i)], counts[size_t(i)]};
-    std::copy(q, q + counts[size_t(i)],
-              kernel.weights.begin() + ptrdiff_t(i) * kernel.maxCount);
+    std::copy(q, q + counts[size_t(i)], kernel.weights.begin() + ptrdiff_t(i) * kernel.maxCount);
   }
   return kernel;
 }
@@ -438,8 +439,7 @@ bool ResampleLanczos3(const PixelView &source, const PixelView &destination, Res
 
 bool ResampleLanczos3(const PixelView &source, const PixelView &destination, ResampleCode code) {
   if (!ValidView(source) || !ValidView(destination)) return false;
-  return ResampleLanczos3(source, destination,
-                          {double(destination.width) / source.width, 0},
+  return ResampleLanczos3(source, destination, {double(destination.width) / source.width, 0},
                           {double(destination.height) / source.height, 0}, code);
 }
 

@@ -14,7 +14,8 @@ uint32_t RepresentationSide(double length) {
   return static_cast<uint32_t>(static_cast<int64_t>(truncated));
 }
 
-int BestRepresentationIndex(const std::vector<RepresentationInfo> &reps, int32_t side, int32_t mask) {
+int BestRepresentationIndex(const std::vector<RepresentationInfo> &reps, int32_t side,
+                            int32_t mask) {
   const uint32_t wanted = static_cast<uint32_t>(side);
   const bool allowLarger = (mask & kRepresentationAllowLarger) != 0;
   const bool standard = (mask & kRepresentationStandardResolution) != 0;

@@ -34,6 +34,7 @@ uint32_t RepresentationSide(double length);
 // Bitmaps are eligible by their scale as the resolution bits say; with
 // both StandardResolution and DoubleResolution every bitmap is, with none
 // of the three resolution bits none is. Other representations always are.
-int BestRepresentationIndex(const std::vector<RepresentationInfo> &reps, int32_t side, int32_t mask);
+int BestRepresentationIndex(const std::vector<RepresentationInfo> &reps, int32_t side,
+                            int32_t mask);
 
 }  // namespace talvo::images

@@ -13,8 +13,8 @@
 static NSBitmapImageRep *NewIconRep(int scale) {
   const size_t side = size_t(24 * scale);
   CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
-  CGContextRef c = CGBitmapContextCreate(NULL, side, side, 8, side * 4, space,
-                                         kCGImageAlphaPremultipliedLast);
+  CGContextRef c =
+      CGBitmapContextCreate(NULL, side, side, 8, side * 4, space, kCGImageAlphaPremultipliedLast);
   CGColorSpaceRelease(space);
   if (c == NULL) {
     return nil;
@@ -179,19 +179,19 @@ static const int32_t kSides[] = {16, 24, 36, 48, 60, 72, 96};
   NSInteger column = 0;
   for (int32_t side : kSides) {
     NSImageRep *rep = [_icon bestRepresentationForSideSize:side selector:kAnyScale];
-    NSString *text = [NSString stringWithFormat:@"%d -> %@", side,
-                                                rep ? [NSString stringWithFormat:@"%ld px",
-                                                                                 (long)[rep pixelsWide]]
-                                                    : @"none"];
+    NSString *text = [NSString
+        stringWithFormat:@"%d -> %@", side,
+                         rep ? [NSString stringWithFormat:@"%ld px", (long)[rep pixelsWide]]
+                             : @"none"];
     [self addSubview:GalleryLabel(text, NSMakeRect(20 + column * 95, top - 196, 92, 18))];
     column++;
   }
-  NSImageRep *tripleOnly =
-      [_icon bestRepresentationForSideSize:40
-                                  selector:VXRepresentationAllowLarger | VXRepresentationTripleResolution];
-  NSImageRep *doubleOnly =
-      [_icon bestRepresentationForSideSize:60
-                                  selector:VXRepresentationAllowLarger | VXRepresentationDoubleResolution];
+  NSImageRep *tripleOnly = [_icon
+      bestRepresentationForSideSize:40
+                           selector:VXRepresentationAllowLarger | VXRepresentationTripleResolution];
+  NSImageRep *doubleOnly = [_icon
+      bestRepresentationForSideSize:60
+                           selector:VXRepresentationAllowLarger | VXRepresentationDoubleResolution];
   [self addSubview:GalleryLabel([NSString stringWithFormat:@"40, 3x only -> %ld px;   60, 2x only, "
                                                            @"larger -> %@",
                                                            (long)[tripleOnly pixelsWide],
@@ -201,7 +201,8 @@ static const int32_t kSides[] = {16, 24, 36, 48, 60, 72, 96};
   [self addSubview:GalleryLabel(@"Source 180 px", NSMakeRect(20, top - 436, 180, 18))];
   [self addSubview:GalleryLabel(@"Lanczos 60 px", NSMakeRect(210, top - 316, 90, 18))];
   [self addSubview:GalleryLabel(@"Lanczos, 3x enlarged", NSMakeRect(300, top - 436, 180, 18))];
-  [self addSubview:GalleryLabel(@"Every 3rd pixel, 3x enlarged", NSMakeRect(500, top - 436, 200, 18))];
+  [self addSubview:GalleryLabel(@"Every 3rd pixel, 3x enlarged",
+                                NSMakeRect(500, top - 436, 200, 18))];
 }
 
 - (void)drawRep:(NSImageRep *)rep inRect:(NSRect)rect {
@@ -209,11 +210,11 @@ static const int32_t kSides[] = {16, 24, 36, 48, 60, 72, 96};
     return;
   }
   [rep drawInRect:rect
-           fromRect:NSZeroRect
-          operation:NSCompositeSourceOver
-           fraction:1
-     respectFlipped:YES
-              hints:nil];
+            fromRect:NSZeroRect
+           operation:NSCompositeSourceOver
+            fraction:1
+      respectFlipped:YES
+               hints:nil];
 }
 
 - (void)drawRect:(NSRect)dirtyRect {

@@ -152,7 +152,8 @@ double NumberValue(id value) {
   if ([_name isEqualToString:kCrop]) {
     id rectangle = [_inputs objectForKey:kInputRectangle];
     if (rectangle == nil) return image;
-    if (![rectangle isKindOfClass:[CIVector class]] || [(CIVector *)rectangle count] < 4) return nil;
+    if (![rectangle isKindOfClass:[CIVector class]] || [(CIVector *)rectangle count] < 4)
+      return nil;
     CGRect rect = [(CIVector *)rectangle CGRectValue];
     for (CGFloat v : {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}) {
       if (std::isnan(v)) return nil;

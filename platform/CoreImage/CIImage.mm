@@ -7,9 +7,9 @@
 #include "core/images/Lanczos.hpp"
 
 #include <algorithm>
-#include <initializer_list>
 #include <cmath>
 #include <cstring>
+#include <initializer_list>
 #include <new>
 #include <vector>
 
@@ -46,7 +46,8 @@ struct Scratch {
 
 TVCIRegion Intersect(const TVCIRegion &a, const TVCIRegion &b) {
   int64_t x0 = std::max(a.x, b.x), y0 = std::max(a.y, b.y);
-  int64_t x1 = std::min(a.x + a.width, b.x + b.width), y1 = std::min(a.y + a.height, b.y + b.height);
+  int64_t x1 = std::min(a.x + a.width, b.x + b.width),
+          y1 = std::min(a.y + a.height, b.y + b.height);
   return {x0, y0, std::max<int64_t>(0, x1 - x0), std::max<int64_t>(0, y1 - y0)};
 }
 
@@ -113,10 +114,10 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
   }
   NSMutableData *pixels = [[NSMutableData alloc] initWithLength:width * height * 4];
   CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
-  CGContextRef context = pixels ? CGBitmapContextCreate([pixels mutableBytes], width, height, 8,
-                                                        width * 4, space,
-                                                        kCGImageAlphaPremultipliedLast)
-                                : NULL;
+  CGContextRef context =
+      pixels ? CGBitmapContextCreate([pixels mutableBytes], width, height, 8, width * 4, space,
+                                     kCGImageAlphaPremultipliedLast)
+             : NULL;
   CGColorSpaceRelease(space);
   if (!context) {
     [pixels release];
@@ -192,10 +193,10 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
 
 - (NSString *)description {
   static NSString *const names[] = {@"bitmap", @"clamp", @"Lanczos scale", @"crop"};
-  return [NSString stringWithFormat:@"<CIImage %p %@ extent {{%g, %g}, {%g, %g}}>", self,
-                                    names[_kind], double(_extent.origin.x),
-                                    double(_extent.origin.y), double(_extent.size.width),
-                                    double(_extent.size.height)];
+  return
+      [NSString stringWithFormat:@"<CIImage %p %@ extent {{%g, %g}, {%g, %g}}>", self, names[_kind],
+                                 double(_extent.origin.x), double(_extent.origin.y),
+                                 double(_extent.size.width), double(_extent.size.height)];
 }
 
 #pragma mark - NSCopying
@@ -238,8 +239,8 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
       const ptrdiff_t sourceRow = ptrdiff_t(_pixelsWide) * 4;
       for (int64_t y = inside.y; y < inside.y + inside.height; ++y) {
         const uint8_t *in = source + (own.height - 1 - y) * sourceRow + inside.x * 4;
-        uint8_t *out = pixels + (region.y + region.height - 1 - y) * bytesPerRow +
-                       (inside.x - region.x) * 4;
+        uint8_t *out =
+            pixels + (region.y + region.height - 1 - y) * bytesPerRow + (inside.x - region.x) * 4;
         memcpy(out, in, size_t(inside.width) * 4);
       }
       return YES;
@@ -256,8 +257,9 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
         return YES;
       }
       Scratch scratch;
-      if (!scratch.make(from) ||
-          ![_input _renderRegion:from into:scratch.bytes.data() bytesPerRow:from.width * 4]) {
+      if (!scratch.make(from) || ![_input _renderRegion:from
+                                                   into:scratch.bytes.data()
+                                            bytesPerRow:from.width * 4]) {
         return NO;
       }
       ClampCopy(scratch.bytes.data(), from.width * 4, from, region, pixels, bytesPerRow);
@@ -295,7 +297,9 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
 // whole (the resampler repeats the edges itself, as the clamp would);
 // anything else is rendered over the part under the region plus the
 // kernel's reach, transparent outside its extent.
-- (BOOL)_renderScaledRegion:(TVCIRegion)region into:(uint8_t *)pixels bytesPerRow:(ptrdiff_t)bytesPerRow {
+- (BOOL)_renderScaledRegion:(TVCIRegion)region
+                       into:(uint8_t *)pixels
+                bytesPerRow:(ptrdiff_t)bytesPerRow {
   const double sx = _scaleX, sy = _scaleY;
   CIImage *source = _input;
   TVCIRegion from;
@@ -309,7 +313,8 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
     const int64_t marginY = int64_t(std::ceil(3 * std::max(1.0, 1 / sy))) + 2;
     CGRect under = CGRectMake(region.x / sx, region.y / sy, region.width / sx, region.height / sy);
     if (!TVCIRegionForRect(under, &from)) return NO;
-    from = {from.x - marginX, from.y - marginY, from.width + 2 * marginX, from.height + 2 * marginY};
+    from = {from.x - marginX, from.y - marginY, from.width + 2 * marginX,
+            from.height + 2 * marginY};
     TVCIRegion limit;
     if (!CGRectIsInfinite([source extent])) {
       if (!TVCIRegionForRect([source extent], &limit)) {
@@ -330,8 +335,9 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
     sourcePixels = static_cast<const uint8_t *>([source->_pixels bytes]);
     sourceRow = from.width * 4;
   } else {
-    if (!scratch.make(from) ||
-        ![source _renderRegion:from into:scratch.bytes.data() bytesPerRow:from.width * 4]) {
+    if (!scratch.make(from) || ![source _renderRegion:from
+                                                 into:scratch.bytes.data()
+                                          bytesPerRow:from.width * 4]) {
       return NO;
     }
     sourcePixels = scratch.bytes.data();
@@ -343,8 +349,8 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
                               int(from.height), sourceRow};
   talvo::images::PixelView out{pixels, int(region.width), int(region.height), bytesPerRow};
   talvo::images::ResampleAxis ax{sx, double(region.x) - double(from.x) * sx};
-  talvo::images::ResampleAxis ay{sy, double(from.y + from.height) * sy -
-                                         double(region.y + region.height)};
+  talvo::images::ResampleAxis ay{
+      sy, double(from.y + from.height) * sy - double(region.y + region.height)};
   return talvo::images::ResampleLanczos3(in, out, ax, ay) ? YES : NO;
 }
 

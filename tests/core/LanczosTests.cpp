@@ -66,7 +66,8 @@ std::vector<RefTaps> ReferenceTaps(int source, int destination, ResampleAxis axi
   for (int i = 0; i < destination; ++i) {
     double centre = (i + 0.5 + axis.offset) / axis.scale;
     double sum = 0;
-    for (int k = int(std::floor(centre - 3 * stretch)) - 1; k <= int(std::ceil(centre + 3 * stretch)) + 1; ++k) {
+    for (int k = int(std::floor(centre - 3 * stretch)) - 1;
+         k <= int(std::ceil(centre + 3 * stretch)) + 1; ++k) {
       double w = L3((k + 0.5 - centre) / stretch);
       if (w == 0) continue;
       out[size_t(i)].index.push_back(std::clamp(k, 0, source - 1));
@@ -94,8 +95,8 @@ Picture Reference(const Picture &src, int dw, int dh, ResampleAxis ax, ResampleA
       double acc[4] = {0, 0, 0, 0};
       for (size_t k = 0; k < ty[size_t(y)].index.size(); ++k)
         for (int c = 0; c < 4; ++c)
-          acc[c] += ty[size_t(y)].weight[k] *
-                    mid[(size_t(ty[size_t(y)].index[k]) * dw + x) * 4 + c];
+          acc[c] +=
+              ty[size_t(y)].weight[k] * mid[(size_t(ty[size_t(y)].index[k]) * dw + x) * 4 + c];
       long alpha = std::clamp(std::lround(acc[3]), 0L, 255L);
       uint8_t *q = &out.bytes[(size_t(y) * dw + x) * 4];
       for (int c = 0; c < 3; ++c) q[c] = uint8_t(std::clamp(std::lround(acc[c]), 0L, alpha));
@@ -106,7 +107,8 @@ Picture Reference(const Picture &src, int dw, int dh, ResampleAxis ax, ResampleA
 
 int MaxDifference(const Picture &a, const Picture &b) {
   int worst = 0;
-  for (size_t i = 0; i < a.bytes.size(); ++i) worst = std::max(worst, std::abs(a.bytes[i] - b.bytes[i]));
+  for (size_t i = 0; i < a.bytes.size(); ++i)
+    worst = std::max(worst, std::abs(a.bytes[i] - b.bytes[i]));
   return worst;
 }
 
@@ -147,7 +149,8 @@ TEST(Lanczos, OffsetsAndScalesOtherThanTheSizeRatio) {
 }
 
 TEST(Lanczos, UniformImagesStayExactlyUniformToTheEdge) {
-  const uint8_t colours[][4] = {{255, 0, 0, 255}, {10, 20, 30, 40}, {255, 255, 255, 255}, {0, 0, 0, 0}, {1, 0, 0, 1}};
+  const uint8_t colours[][4] = {
+      {255, 0, 0, 255}, {10, 20, 30, 40}, {255, 255, 255, 255}, {0, 0, 0, 0}, {1, 0, 0, 1}};
   const Case cases[] = {{64, 64, 16, 16}, {17, 9, 51, 27}, {100, 100, 33, 71}};
   for (const auto &colour : colours) {
     for (const Case &c : cases) {
@@ -203,13 +206,15 @@ TEST(Lanczos, ColourNeverExceedsAlphaAfterRinging) {
 TEST(Lanczos, RowPaddingOnBothSidesIsRespected) {
   Picture src = TestPicture(30, 20);
   std::vector<uint8_t> padded(size_t(20) * 200, 0xEE);
-  for (int y = 0; y < 20; ++y) std::copy_n(&src.bytes[size_t(y) * 120], 120, &padded[size_t(y) * 200]);
+  for (int y = 0; y < 20; ++y)
+    std::copy_n(&src.bytes[size_t(y) * 120], 120, &padded[size_t(y) * 200]);
   std::vector<uint8_t> out(size_t(7) * 64, 0xCD);
   ASSERT_TRUE(ResampleLanczos3({padded.data(), 30, 20, 200}, {out.data(), 11, 7, 64}));
   Picture tight = Blank(11, 7);
   ASSERT_TRUE(ResampleLanczos3(src.view(), tight.view()));
   for (int y = 0; y < 7; ++y) {
-    EXPECT_TRUE(std::equal(&out[size_t(y) * 64], &out[size_t(y) * 64 + 44], &tight.bytes[size_t(y) * 44]));
+    EXPECT_TRUE(
+        std::equal(&out[size_t(y) * 64], &out[size_t(y) * 64 + 44], &tight.bytes[size_t(y) * 44]));
     EXPECT_EQ(out[size_t(y) * 64 + 44], 0xCD);  // beyond the row: untouched
   }
 }
@@ -237,13 +242,15 @@ TEST(Lanczos, BadInputIsRefusedAndNothingIsWritten) {
 }
 
 TEST(Lanczos, KernelWeightsSumToOneInFixedPointAndStayInside) {
-  for (ResampleAxis axis : {ResampleAxis{0.25, 0}, ResampleAxis{3, 0}, ResampleAxis{0.01, 0}, ResampleAxis{1, 0.5}}) {
+  for (ResampleAxis axis :
+       {ResampleAxis{0.25, 0}, ResampleAxis{3, 0}, ResampleAxis{0.01, 0}, ResampleAxis{1, 0.5}}) {
     const int source = 100, destination = int(std::ceil(source * axis.scale));
     Kernel k = MakeLanczos3Kernel(source, destination, axis, 16);
     ASSERT_EQ(k.taps.size(), size_t(destination));
     for (size_t i = 0; i < k.taps.size(); ++i) {
       int32_t sum = 0;
-      for (int j = 0; j < k.taps[i].count; ++j) sum += k.weights[i * size_t(k.maxCount) + size_t(j)];
+      for (int j = 0; j < k.taps[i].count; ++j)
+        sum += k.weights[i * size_t(k.maxCount) + size_t(j)];
       EXPECT_EQ(sum, 1 << k.bits);
       EXPECT_GE(k.taps[i].first, 0);
       EXPECT_LE(k.taps[i].first + k.taps[i].count, source);

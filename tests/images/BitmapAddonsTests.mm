@@ -110,18 +110,18 @@ TEST_F(BitmapAddonsTest, KeepsOrientationAndCropsFromTheOrigin) {
 TEST_F(BitmapAddonsTest, ConvertsOtherBitmapLayoutsToPremultipliedRGBA) {
   // Unpremultiplied RGBA, as GNUstep loads PNG files: 200 at alpha 128
   // becomes about 100 once premultiplied.
-  NSBitmapImageRep *straight = [[[NSBitmapImageRep alloc]
-      initWithBitmapDataPlanes:NULL
-                    pixelsWide:20
-                    pixelsHigh:20
-                 bitsPerSample:8
-               samplesPerPixel:4
-                      hasAlpha:YES
-                      isPlanar:NO
-                colorSpaceName:NSDeviceRGBColorSpace
-                  bitmapFormat:NSAlphaNonpremultipliedBitmapFormat
-                   bytesPerRow:80
-                  bitsPerPixel:32] autorelease];
+  NSBitmapImageRep *straight =
+      [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                               pixelsWide:20
+                                               pixelsHigh:20
+                                            bitsPerSample:8
+                                          samplesPerPixel:4
+                                                 hasAlpha:YES
+                                                 isPlanar:NO
+                                           colorSpaceName:NSDeviceRGBColorSpace
+                                             bitmapFormat:NSAlphaNonpremultipliedBitmapFormat
+                                              bytesPerRow:80
+                                             bitsPerPixel:32] autorelease];
   for (NSInteger i = 0; i < 400; ++i) {
     uint8_t *p = [straight bitmapData] + i * 4;
     p[0] = 200, p[1] = 0, p[2] = 0, p[3] = 128;
@@ -144,22 +144,21 @@ TEST_F(BitmapAddonsTest, ConvertsOtherBitmapLayoutsToPremultipliedRGBA) {
                                                                   bytesPerRow:24
                                                                  bitsPerPixel:24] autorelease];
   memset([rgb bitmapData], 0x40, 8 * 24);
-  EXPECT_TRUE(AllPixels([rgb imageRepWithSize:NSMakeSize(4, 4)], RGBA{0x40, 0x40, 0x40, 255}));
+  EXPECT_TRUE(AllPixels([rgb imageRepWithSize : NSMakeSize(4, 4)], RGBA { 0x40, 0x40, 0x40, 255 }));
 }
 
 TEST_F(BitmapAddonsTest, BadSizesGiveNil) {
   NSBitmapImageRep *rep = Solid(20, 10, kWarm);
-  for (NSSize size : {NSMakeSize(0, 0), NSMakeSize(-5, -1), NSMakeSize(NAN, 10),
-                      NSMakeSize(10, INFINITY), NSMakeSize(-INFINITY, 3), NSMakeSize(0.01, 0.01),
-                      NSMakeSize(1e12, 1)}) {
+  for (NSSize size :
+       {NSMakeSize(0, 0), NSMakeSize(-5, -1), NSMakeSize(NAN, 10), NSMakeSize(10, INFINITY),
+        NSMakeSize(-INFINITY, 3), NSMakeSize(0.01, 0.01), NSMakeSize(1e12, 1)}) {
     EXPECT_EQ([rep imageRepWithSize:size], nil) << size.width << " x " << size.height;
   }
 }
 
 TEST_F(BitmapAddonsTest, ImageRepWithImageRoundTripsThroughTIFF) {
-  NSBitmapImageRep *source = Painted(6, 4, [](NSInteger x, NSInteger y) {
-    return x < 3 ? imagetest::kRed : imagetest::kBlue;
-  });
+  NSBitmapImageRep *source = Painted(
+      6, 4, [](NSInteger x, NSInteger y) { return x < 3 ? imagetest::kRed : imagetest::kBlue; });
   NSImage *image = [[[NSImage alloc] initWithSize:NSMakeSize(6, 4)] autorelease];
   [image addRepresentation:source];
   NSBitmapImageRep *rep = [NSBitmapImageRep imageRepWithImage:image];
@@ -202,8 +201,9 @@ TEST_F(StackedRepsTest, LaterRepresentationsAreCentredOnTheFirstAtWholePoints) {
 TEST_F(StackedRepsTest, CompositesSourceOverAndSkipsWhatIsNotARepresentation) {
   NSBitmapImageRep *clear = Solid(10, 10, imagetest::kClear);
   NSBitmapImageRep *half = Solid(10, 10, RGBA{0, 0, 128, 128});
-  NSBitmapImageRep *canvas =
-      [NSBitmapImageRep imageRepWithImageReps:(NSArray *)@[ Solid(10, 10, imagetest::kRed), (id)@"no", clear, half ]];
+  NSBitmapImageRep *canvas = [NSBitmapImageRep imageRepWithImageReps:(NSArray *)@[
+    Solid(10, 10, imagetest::kRed), (id) @"no", clear, half
+  ]];
   ASSERT_NE(canvas, nil);
   RGBA p = RepPixel(canvas, 5, 5);
   EXPECT_NEAR(p.r, 127, 2);

@@ -77,30 +77,34 @@ TEST_F(RepresentationSearchTest, ResolutionBitsChooseAmongScalesOfOnePointSize) 
 
 TEST_F(RepresentationSearchTest, LargerBeatsSmallerWhicheverComesFirst) {
   NSBitmapImageRep *r16 = Bitmap(16, 16), *r32 = Bitmap(32, 16), *r64 = Bitmap(64, 16);
-  EXPECT_EQ([ImageWith(@[ r16, r32, r64 ]) bestRepresentationForSideSize:48
-                                                              selector:kLarger | kSmaller | k1x | k2x],
-            r64);
+  EXPECT_EQ(
+      [ImageWith(@[ r16, r32, r64 ]) bestRepresentationForSideSize:48
+                                                          selector:kLarger | kSmaller | k1x | k2x],
+      r64);
   // A larger one met first also shuts smaller ones out afterwards.
   EXPECT_EQ([ImageWith(@[ r64, r32 ]) bestRepresentationForSideSize:48
-                                                         selector:kLarger | kSmaller | k1x | k2x],
+                                                           selector:kLarger | kSmaller | k1x | k2x],
             r64);
   // Without AllowLarger the largest smaller one wins.
-  EXPECT_EQ([ImageWith(@[ r16, r32 ]) bestRepresentationForSideSize:48 selector:kSmaller | k1x | k2x],
+  EXPECT_EQ([ImageWith(@[ r16, r32 ]) bestRepresentationForSideSize:48
+                                                           selector:kSmaller | k1x | k2x],
             r32);
-  EXPECT_EQ([ImageWith(@[ r32, r16 ]) bestRepresentationForSideSize:48 selector:kSmaller | k1x | k2x],
+  EXPECT_EQ([ImageWith(@[ r32, r16 ]) bestRepresentationForSideSize:48
+                                                           selector:kSmaller | k1x | k2x],
             r32);
   // The smallest of several larger ones.
   NSBitmapImageRep *r128 = Bitmap(128, 16);
   EXPECT_EQ([ImageWith(@[ r128, r64, r16 ]) bestRepresentationForSideSize:48
-                                                                selector:kLarger | k1x | k2x],
+                                                                 selector:kLarger | k1x | k2x],
             r64);
 }
 
 TEST_F(RepresentationSearchTest, TiesKeepTheFirstMetAndExactMatchesWinAtOnce) {
   NSBitmapImageRep *a = Bitmap(64, 16), *b = Bitmap(64, 16), *exact = Bitmap(48, 16);
-  EXPECT_EQ([ImageWith(@[ a, b ]) bestRepresentationForSideSize:48 selector:kLarger | k1x | k2x], a);
+  EXPECT_EQ([ImageWith(@[ a, b ]) bestRepresentationForSideSize:48 selector:kLarger | k1x | k2x],
+            a);
   EXPECT_EQ([ImageWith(@[ a, b, exact ]) bestRepresentationForSideSize:48
-                                                            selector:kLarger | k1x | k2x],
+                                                              selector:kLarger | k1x | k2x],
             exact);
 }
 

@@ -32,12 +32,12 @@ NSBitmapImageRep *Render(CIImage *image) {
   return [[[NSBitmapImageRep alloc] initWithCIImage:image] autorelease];
 }
 
-#define EXPECT_RECT(r, ex, ey, ew, eh)    \
-  do {                                    \
-    CGRect r_ = (r);                      \
-    EXPECT_DOUBLE_EQ(r_.origin.x, (ex));  \
-    EXPECT_DOUBLE_EQ(r_.origin.y, (ey));  \
-    EXPECT_DOUBLE_EQ(r_.size.width, (ew)); \
+#define EXPECT_RECT(r, ex, ey, ew, eh)      \
+  do {                                      \
+    CGRect r_ = (r);                        \
+    EXPECT_DOUBLE_EQ(r_.origin.x, (ex));    \
+    EXPECT_DOUBLE_EQ(r_.origin.y, (ey));    \
+    EXPECT_DOUBLE_EQ(r_.size.width, (ew));  \
     EXPECT_DOUBLE_EQ(r_.size.height, (eh)); \
   } while (0)
 
@@ -139,11 +139,13 @@ TEST_F(CoreImageTest, BitmapsAreNotMadeFromUnboundedOrEmptyImages) {
   CIImage *image = ImageOf(RedOverBlue(4, 4));
   EXPECT_EQ(Render([image imageByClampingToExtent]), nil);
   EXPECT_EQ(Render([image imageByCroppingToRect:CGRectMake(10, 10, 1, 1)]), nil);
-  EXPECT_EQ(Render([[image imageByClampingToExtent] imageByCroppingToRect:CGRectMake(0, 0, 1e6, 1e6)]),
-            nil);
+  EXPECT_EQ(
+      Render([[image imageByClampingToExtent] imageByCroppingToRect:CGRectMake(0, 0, 1e6, 1e6)]),
+      nil);
   EXPECT_EQ(Render(NullOf<CIImage *>()), nil);
   EXPECT_EQ(Render((CIImage *)@"image"), nil);
-  EXPECT_EQ([[[CIImage alloc] initWithBitmapImageRep:NullOf<NSBitmapImageRep *>()] autorelease], nil);
+  EXPECT_EQ([[[CIImage alloc] initWithBitmapImageRep:NullOf<NSBitmapImageRep *>()] autorelease],
+            nil);
   EXPECT_EQ([[[CIImage alloc] initWithBitmapImageRep:(NSBitmapImageRep *)@"rep"] autorelease], nil);
   EXPECT_EQ([CIImage imageWithCGImage:NullOf<CGImageRef>()], nil);
 }

@@ -55,14 +55,16 @@ TEST_F(ImageResamplingRobustness, BitmapAddons) {
 }
 
 TEST_F(ImageResamplingRobustness, CoreImageStandIn) {
-  CIImage *image = [[[CIImage alloc] initWithBitmapImageRep:[imagetest::NewRep(8, 8) autorelease]]
-      autorelease];
+  CIImage *image =
+      [[[CIImage alloc] initWithBitmapImageRep:[imagetest::NewRep(8, 8) autorelease]] autorelease];
   ASSERT_NE(image, nil);
   for (NSString *name : @[ @"CIAffineClamp", @"CILanczosScaleTransform", @"CICrop" ]) {
     CIFilter *filter = [CIFilter filterWithName:name];
     for (NSString *key : [filter inputKeys]) {
-      for (id value : @[ bad::WrongObject(), bad::WrongString(), [NSNull null], @(bad::kNaN),
-                         [CIVector vectorWithX:bad::kInf Y:0 Z:bad::kHuge W:-1] ]) {
+      for (id value : @[
+             bad::WrongObject(), bad::WrongString(), [NSNull null], @(bad::kNaN),
+             [CIVector vectorWithX:bad::kInf Y:0 Z:bad::kHuge W:-1]
+           ]) {
         EXPECT_CALM([filter setValue:value forKey:key]);
         EXPECT_CALM([filter setValue:image forKey:kCIInputImageKey]);
         CIImage *output = nil;
@@ -77,8 +79,9 @@ TEST_F(ImageResamplingRobustness, CoreImageStandIn) {
   }
   for (double v : bad::kValues) {
     CGRect rect = CGRectMake(v, v, v, v);
-    EXPECT_CALM([[[NSBitmapImageRep alloc] initWithCIImage:[image imageByCroppingToRect:rect]]
-        autorelease]) << v;
+    EXPECT_CALM(
+        [[[NSBitmapImageRep alloc] initWithCIImage:[image imageByCroppingToRect:rect]] autorelease])
+        << v;
     EXPECT_CALM([[[NSBitmapImageRep alloc]
         initWithCIImage:[[image imageByClampingToExtent] imageByCroppingToRect:rect]] autorelease])
         << v;

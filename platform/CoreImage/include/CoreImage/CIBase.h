@@ -4,8 +4,8 @@
 #ifndef TALVO_CIBASE_H
 #define TALVO_CIBASE_H
 
-#import <Foundation/Foundation.h>
 #import <CoreGraphics/CoreGraphics.h>
+#import <Foundation/Foundation.h>
 
 #ifdef __cplusplus
 #define CI_EXTERN extern "C" __attribute__((visibility("default")))

@@ -19,9 +19,9 @@
 #define TALVO_COREIMAGE_H
 
 #import <CoreImage/CIBase.h>
-#import <CoreImage/CIVector.h>
-#import <CoreImage/CIImage.h>
 #import <CoreImage/CIFilter.h>
+#import <CoreImage/CIImage.h>
+#import <CoreImage/CIVector.h>
 #import <CoreImage/NSCIImageRep.h>
 
 #endif
