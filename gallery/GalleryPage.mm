@@ -4,6 +4,7 @@
 #import "gallery/pages/ColorsPage.h"
 #import "gallery/pages/PopoverPage.h"
 #import "gallery/pages/ImagesPage.h"
+#import "gallery/pages/ImageLoadingPage.h"
 #import "gallery/pages/SplitViewPage.h"
 #import "gallery/pages/StackViewPage.h"
 
@@ -40,6 +41,7 @@ NSArray *GalleryAllPages(void) {
   return [NSArray arrayWithObjects:[[SplitViewPage new] autorelease],
                                    [[StackViewPage new] autorelease],
                                    [[ImagesPage new] autorelease],
+                                   [[ImageLoadingPage new] autorelease],
                                    [[ColorsPage new] autorelease],
                                    [[PopoverPage new] autorelease],
                                    [[BindingsPage new] autorelease], nil];

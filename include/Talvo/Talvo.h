@@ -28,6 +28,8 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSImage+Cap.h>
 #import <Talvo/NSImage+FitSize.h>
 #import <Talvo/NSImage+DrawColor.h>
+#import <Talvo/NSImage+RepresentationsSearching.h>
+#import <Talvo/NSBitmapImageRep+Addons.h>
 #import <Talvo/NSColor+Checkboard.h>
 #import <Talvo/NSColor+Talvo.h>
 #import <Talvo/NSColor+Transform.h>
