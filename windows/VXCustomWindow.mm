@@ -76,9 +76,15 @@
 
 - (void)drawRect:(NSRect)dirtyRect {
   NSWindow *window = [self window];
-  if ([window isKindOfClass:[VXCustomWindow class]]) {
-    [(id)window drawRect:dirtyRect];
+  if (![window isKindOfClass:[VXCustomWindow class]]) {
+    return;
   }
+  // As a frame host, the view owns every pixel of the window: GNUstep has
+  // already filled it with the background colour, which would square off
+  // whatever shape the window draws.
+  [[NSColor clearColor] set];
+  NSRectFillUsingOperation(dirtyRect, NSCompositeCopy);
+  [(id)window drawRect:dirtyRect];
 }
 
 @end

@@ -12,6 +12,12 @@ NS_ASSUME_NONNULL_BEGIN
 /** A borderless, buffered, deferred window with the zero rect. */
 - (nullable instancetype)init;
 
+/** YES. */
+- (BOOL)accessibilityIsIgnored;
+/** For NSAccessibilityParentAttribute the parent window's unignored
+ * ancestor; otherwise the inherited answer (nil where there is none). */
+- (nullable id)accessibilityAttributeValue:(NSString *)attribute;
+
 @end
 
 NS_ASSUME_NONNULL_END
