@@ -19,3 +19,6 @@
 #import <AppKit/NSView+TalvoLayoutGeometry.h>
 #import <AppKit/NSViewController+TalvoPlatform.h>
 #import <AppKit/NSWindow+TalvoLayout.h>
+#import <AppKit/NSWindow+TalvoPlatform.h>
+#import <AppKit/NSAppearance+TalvoPlatform.h>
+#import <AppKit/NSVisualEffectView.h>
