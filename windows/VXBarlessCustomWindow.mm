@@ -115,7 +115,8 @@ static const NSUInteger kFullSizeContentViewMask = 1 << 15;
 }
 
 - (void)setContentTopMargin:(double)margin {
-  if (margin == _contentTopMargin) {
+  // A margin that is not a number would poison the frame view's layout.
+  if (!isfinite(margin) || margin == _contentTopMargin) {
     return;
   }
   _contentTopMargin = margin;

@@ -223,3 +223,38 @@ TEST_F(CustomWindow, OrderingFrontSwitchesLayersOffOnThePlatformFrame) {
   [window makeKeyAndOrderFront:nil];
   EXPECT_FALSE([[window frameView] wantsLayer]);
 }
+
+TEST_F(CustomWindow, BottomPopupHoldsUpToOddSizesAndContent) {
+  // Sizes from nothing to a sliver to large, and contents set, replaced and
+  // cleared: it always draws and lays out without trouble.
+  const NSSize sizes[] = {{0, 0}, {1, 1}, {9, 4}, {12, 12}, {640, 30}};
+  for (NSSize size : sizes) {
+    VXBottomPopupWindow *popup =
+        Make<VXBottomPopupWindow>(NSMakeRect(200, 200, size.width, size.height));
+    Owned<NSView> first([[NSView alloc] initWithFrame:NSZeroRect]);
+    Owned<NSView> second([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 50, 50)]);
+    [popup setContentView:first];
+    [popup setContentView:second];
+    [popup setContentView:nil];
+    // Each view joins the one frame view; the first subview (the view
+    // NSWindow installed) stays the client.
+    NSArray *subviews = [[popup contentView] subviews];
+    ASSERT_EQ([subviews count], 3u);
+    EXPECT_EQ([subviews objectAtIndex:1], first.get());
+    EXPECT_EQ([popup actualContentView], [subviews objectAtIndex:0]);
+    [popup setContentTopMargin:NAN];
+    [popup setContentTopMargin:INFINITY];
+    EXPECT_EQ([popup contentTopMargin], 5.0);
+    [popup setContentTopMargin:-3];
+    EXPECT_EQ([popup contentTopMargin], -3.0);
+    [popup orderFront:nil];
+    [popup display];
+    [popup orderOut:nil];
+  }
+  VXBottomPopupWindow *empty = Make<VXBottomPopupWindow>(NSMakeRect(0, 0, 20, 20));
+  EXPECT_NE([empty actualContentView], nil) << "the view NSWindow installs is the first client";
+  EXPECT_RECT_NEAR([empty frameRectForContentRect:NSMakeRect(0, 0, -5, -5)], 0, 0, -5, 0);
+  Owned<VXBarlessCustomWindow> plain([[VXBarlessCustomWindow alloc] init]);
+  EXPECT_NE([plain.get() contentView], nil);
+  EXPECT_TRUE(NSEqualRects([plain.get() bounds], [[plain.get() frameView] bounds]));
+}
