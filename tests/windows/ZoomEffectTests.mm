@@ -119,6 +119,23 @@ TEST_F(ZoomEffect, TitledZoomInFadesTheWindowInUnderItsPicture) {
   [window.get() orderOut:nil];
 }
 
+TEST_F(ZoomEffect, OrderFrontLeavesATitledWindowFrontButNotKey) {
+  Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 300, 200), NSTitledWindowMask,
+                                         [NSColor greenColor]));
+  [window.get() orderFrontWithZoomEffectFromRect:NSMakeRect(10, 10, 30, 20)];
+  Dispatched();
+  Advance(0.0);
+  Advance(0.21);
+  RunLoopTurn();
+  Advance(0.11);
+  RunLoopTurn();
+  EXPECT_TRUE([window.get() isVisible]);
+  EXPECT_FALSE([window.get() isKeyWindow]);
+  EXPECT_NEAR([window.get() alphaValue], 1.0, 1e-6) << "a titled window ends opaque";
+  EXPECT_FALSE(AnimationWindowOnScreen());
+  [window.get() orderOut:nil];
+}
+
 TEST_F(ZoomEffect, BothZoomOutsShrinkThePictureAndHideTheWindow) {
   for (int variant = 0; variant < 2; ++variant) {
     [[log_.get() names] removeAllObjects];
