@@ -72,8 +72,11 @@ TEST_F(CustomWindow, ContentViewSitsInsideTheFrameViewBelowTheMargin) {
   [window display];
   EXPECT_RECT_NEAR([client.get() frame], 0, 0, 300, 170);
 
-  // Setting nil keeps the frame view and what it holds.
+  // Setting nil, or the frame view itself, keeps the frame view and what
+  // it holds.
   [window setContentView:nil];
+  [window setContentView:frameView];
+  EXPECT_EQ([frameView superview], [window frameView]);
   EXPECT_EQ([window contentView], frameView);
   EXPECT_EQ([client.get() superview], frameView);
 
