@@ -7,6 +7,7 @@
 #import "gallery/pages/ImageLoadingPage.h"
 #import "gallery/pages/SplitViewPage.h"
 #import "gallery/pages/StackViewPage.h"
+#import "gallery/pages/WindowsPage.h"
 
 // Fills its bounds with one colour.
 @interface GallerySwatchView : NSView {
@@ -44,7 +45,8 @@ NSArray *GalleryAllPages(void) {
                                    [[ImageLoadingPage new] autorelease],
                                    [[ColorsPage new] autorelease],
                                    [[PopoverPage new] autorelease],
-                                   [[BindingsPage new] autorelease], nil];
+                                   [[BindingsPage new] autorelease],
+                                   [[WindowsPage new] autorelease], nil];
 }
 
 NSTextField *GalleryLabel(NSString *text, NSRect frame) {
