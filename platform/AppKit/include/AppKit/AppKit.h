@@ -19,3 +19,7 @@
 #import <AppKit/NSView+TalvoLayoutGeometry.h>
 #import <AppKit/NSViewController+TalvoPlatform.h>
 #import <AppKit/NSWindow+TalvoLayout.h>
+#import <AppKit/NSView+TalvoTracking.h>
+#import <AppKit/NSTableRowView.h>
+#import <AppKit/NSImage+TalvoTemplate.h>
+#import <AppKit/NSBundle+TalvoImages.h>
