@@ -43,8 +43,8 @@ NS_ASSUME_NONNULL_BEGIN
 /** Whether the row is selected; the table sets it. Setting it redraws. */
 @property(nonatomic, assign, getter=isSelected) BOOL selected;
 
-/** Whether the selection draws in the emphasized (key) colour. YES for a
- * new row view; the table sets it from its window's key state. */
+/** Whether the selection draws in the emphasized colour. YES for a new
+ * row view; the table leaves it as it is. */
 @property(nonatomic, assign, getter=isEmphasized) BOOL emphasized;
 
 /** The table's selection style, copied when the row view is placed. None
@@ -66,8 +66,8 @@ NS_ASSUME_NONNULL_BEGIN
 - (void)drawBackgroundInRect:(NSRect)dirtyRect;
 
 /** Fills the bounds (within `dirtyRect`) with the selection colour:
- * alternateSelectedControlColor when emphasized, else
- * secondarySelectedControlColor. Called by drawRect: only while selected
+ * selectedControlColor (the colour of GNUstep's own table selection) when
+ * emphasized, else secondarySelectedControlColor. Called by drawRect: only while selected
  * and the highlight style is not None. */
 - (void)drawSelectionInRect:(NSRect)dirtyRect;
 
