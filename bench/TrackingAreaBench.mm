@@ -37,8 +37,9 @@ NSWindow *NewGridWindow(int views, BOOL withAreas, TVBenchOwner *owner) {
       initWithContentRect:NSMakeRect(0, 0, kColumns * kCell, rows * kCell)
                 styleMask:NSBorderlessWindowMask
                   backing:NSBackingStoreBuffered
-                    defer:YES];
+                    defer:NO];
   [window setReleasedWhenClosed:NO];
+  [window orderFront:nil];  // events reach only windows the server knows
   for (int i = 0; i < views; i++) {
     NSView *view = [[NSView alloc]
         initWithFrame:NSMakeRect((i % kColumns) * kCell, (i / kColumns) * kCell, kCell, kCell)];

@@ -20,6 +20,8 @@ namespace {
 
 struct TVAreaState {
   NSTrackingArea *area;  // retained
+  NSTrackingAreaOptions options;  // an area's options and owner never change
+  id owner;
   bool inside;
   unsigned long long generation;  // of the window, when rectInWindow was taken
   NSRect rectInWindow;            // zero when the view cannot be hovered
@@ -70,8 +72,7 @@ static BOOL TVClassOverridesUpdate(Class cls) {
   return overrides;
 }
 
-static BOOL TVAreaIsActive(NSTrackingArea *area, NSView *view, NSWindow *window) {
-  NSTrackingAreaOptions options = [area options];
+static BOOL TVAreaIsActive(NSTrackingAreaOptions options, NSView *view, NSWindow *window) {
   if (options & NSTrackingActiveAlways) {
     return YES;
   }
@@ -130,7 +131,7 @@ static void TVCheckAreas(NSWindow *window, NSPoint point, TVMotion motion, NSEve
     }
     for (TVAreaState &state : entry.second.areas) {
       NSTrackingArea *area = state.area;
-      NSTrackingAreaOptions options = [area options];
+      NSTrackingAreaOptions options = state.options;
       if (motion == TVMotion::Dragged && !(options & NSTrackingEnabledDuringMouseDrag)) {
         continue;
       }
@@ -138,8 +139,8 @@ static void TVCheckAreas(NSWindow *window, NSPoint point, TVMotion motion, NSEve
         state.rectInWindow = TVAreaRectInWindow(area, view);
         state.generation = generation;
       }
-      bool inside = TVAreaIsActive(area, view, window) && NSPointInRect(point, state.rectInWindow);
-      id owner = [area owner];
+      bool inside = NSPointInRect(point, state.rectInWindow) && TVAreaIsActive(options, view, window);
+      id owner = state.owner;
       if (inside != state.inside) {
         state.inside = inside;
         if (options & NSTrackingMouseEnteredAndExited) {
@@ -333,7 +334,7 @@ static void TVViewDidMoveToWindow(NSView *view, SEL selector) {
   if (found != trackedViews.end() && found->second.window != window) {
     // In a new window nothing is inside yet (unless assumed so).
     for (TVAreaState &state : found->second.areas) {
-      state.inside = ([state.area options] & NSTrackingAssumeInside) != 0;
+      state.inside = (state.options & NSTrackingAssumeInside) != 0;
     }
     found->second.window = window;
   }
@@ -434,8 +435,10 @@ static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTracking
   if (tracking.window != [self window]) {
     tracking.window = [self window];
   }
-  bool assumeInside = ([trackingArea options] & NSTrackingAssumeInside) != 0;
-  tracking.areas.push_back({[trackingArea retain], assumeInside, 0, NSZeroRect});
+  NSTrackingAreaOptions options = [trackingArea options];
+  bool assumeInside = (options & NSTrackingAssumeInside) != 0;
+  tracking.areas.push_back(
+      {[trackingArea retain], options, [trackingArea owner], assumeInside, 0, NSZeroRect});
   liveAreas.insert(trackingArea);
   if ([self window] != nil) {
     trackedWindows[[self window]];  // the window's motion events are checked from now on
