@@ -7,6 +7,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #import "GraphicsTestSupport.h"
+#import "platform/QuartzCore/TVAnimationClock.h"
 
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
@@ -45,6 +46,74 @@
   [[NSColor colorWithDeviceRed:1 green:0 blue:0 alpha:1] set];
   NSRectFillUsingOperation(NSIntersectionRect([self bounds], dirtyRect), NSCompositeSourceOver);
   CGContextRestoreGState(port);
+}
+@end
+
+// A selection that fades in as a toolkit row view makes it: backgroundAlpha
+// animated through the animator in a 0.3 s group when selected, dropped at
+// once when deselected, the selection drawn at that alpha.
+@interface TVFadingRowView : NSTableRowView {
+  double _backgroundAlpha;
+}
+@property(nonatomic, assign) double backgroundAlpha;
+@end
+
+@implementation TVFadingRowView
++ (id)defaultAnimationForKey:(NSString *)key {
+  if ([key isEqualToString:@"backgroundAlpha"]) {
+    return [CABasicAnimation animation];
+  }
+  return [super defaultAnimationForKey:key];
+}
+- (double)backgroundAlpha {
+  return _backgroundAlpha;
+}
+- (void)setBackgroundAlpha:(double)alpha {
+  if (alpha == _backgroundAlpha) {
+    return;
+  }
+  _backgroundAlpha = alpha;
+  [self setNeedsDisplay:YES];
+}
+- (void)setSelected:(BOOL)selected {
+  if ([self window] == nil) {
+    [self setBackgroundAlpha:selected ? 1.0 : 0.0];
+    [super setSelected:selected];
+    return;
+  }
+  [NSAnimationContext beginGrouping];
+  [[NSAnimationContext currentContext] setDuration:selected ? 0.3 : 0.0];
+  [[self animator] setBackgroundAlpha:selected ? 1.0 : 0.0];
+  [super setSelected:selected];
+  [NSAnimationContext endGrouping];
+}
+- (void)drawSelectionInRect:(NSRect)dirtyRect {
+}
+- (void)drawRect:(NSRect)dirtyRect {
+  [super drawRect:dirtyRect];
+  if (_backgroundAlpha > 0) {
+    [NSGraphicsContext saveGraphicsState];
+    CGContextSetAlpha((CGContextRef)[[NSGraphicsContext currentContext] graphicsPort],
+                      (CGFloat)_backgroundAlpha);
+    [[NSColor colorWithDeviceRed:1 green:0 blue:0 alpha:1] set];
+    NSRectFillUsingOperation(NSIntersectionRect([self bounds], dirtyRect), NSCompositeSourceOver);
+    [NSGraphicsContext restoreGraphicsState];
+  }
+}
+@end
+
+@interface TVFadingRowSource : NSObject
+@end
+
+@implementation TVFadingRowSource
+- (NSInteger)numberOfRowsInTableView:(NSTableView *)table {
+  return 4;
+}
+- (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)c row:(NSInteger)r {
+  return @"";
+}
+- (NSTableRowView *)tableView:(NSTableView *)table rowViewForRow:(NSInteger)row {
+  return [[[TVFadingRowView alloc] initWithFrame:NSZeroRect] autorelease];
 }
 @end
 
@@ -336,6 +405,36 @@ TEST_F(TableRowViews, WithoutTheDelegateMethodTheTableHasNoRowViews) {
   // GNUstep's own selection fill is still there.
   Pixel selected = RowPixel(rep, 1);
   EXPECT_FALSE(selected == (Pixel{255, 255, 255, 255}));
+}
+
+TEST_F(TableRowViews, AFadingSelectionRunsInsideTheTable) {
+  TVAnimationClockSetManual(YES);
+  Owned<TVFadingRowSource> source([TVFadingRowSource new]);
+  Use(source);
+  Select(1);
+  TVFadingRowView *row1 = (TVFadingRowView *)[table_.get() rowViewAtRow:1 makeIfNecessary:NO];
+  ASSERT_TRUE([row1 isKindOfClass:[TVFadingRowView class]]);
+  EXPECT_EQ([row1 backgroundAlpha], 0.0);  // the fade starts from nothing
+  TVAnimationClockAdvance(0.15);
+  double halfway = [row1 backgroundAlpha];
+  EXPECT_GT(halfway, 0.2);
+  EXPECT_LT(halfway, 0.95);  // the default curve is past 0.5 at half time
+  Owned<NSBitmapImageRep> rep(NewSnapshot());
+  Pixel mid = RowPixel(rep, 1);
+  EXPECT_EQ(mid.r, 255);
+  EXPECT_NEAR(mid.g, 255 * (1 - halfway), 3);  // red at the current alpha over white
+  EXPECT_PIXEL(RowPixel(rep, 1, 5), 0, 0, 0, 255);  // the cell stays on top
+  TVAnimationClockAdvance(0.2);
+  EXPECT_EQ([row1 backgroundAlpha], 1.0);
+  rep.reset(NewSnapshot());
+  EXPECT_PIXEL(RowPixel(rep, 1), 255, 0, 0, 255);
+  // Deselection is immediate.
+  [table_.get() deselectAll:nil];
+  EXPECT_EQ([row1 backgroundAlpha], 0.0);
+  rep.reset(NewSnapshot());
+  EXPECT_PIXEL(RowPixel(rep, 1), 255, 255, 255, 255);
+  EXPECT_EQ(TVAnimationClockActiveCount(), 0u);
+  TVAnimationClockSetManual(NO);
 }
 
 TEST_F(TableRowViews, RowViewsOutsideAWindowAndBadInputDoNotRaise) {
