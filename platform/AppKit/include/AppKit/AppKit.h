@@ -26,3 +26,7 @@
 #import <AppKit/NSPasteboard+TalvoPlatform.h>
 #import <AppKit/NSImage+TalvoImageTypes.h>
 #import <Foundation/NSFileManager+TalvoPlatform.h>
+#import <AppKit/NSView+TalvoTracking.h>
+#import <AppKit/NSTableRowView.h>
+#import <AppKit/NSImage+TalvoTemplate.h>
+#import <AppKit/NSBundle+TalvoImages.h>
