@@ -14,15 +14,17 @@
 }
 @end
 
-@interface TVMenuWatcher : NSObject {
+// Counts its showings as a transient (pop-up) menu.
+@interface TVCountingMenu : NSMenu {
  @public
   int _opened;
 }
 @end
 
-@implementation TVMenuWatcher
-- (void)menuWillOpen:(NSMenu *)menu {
+@implementation TVCountingMenu
+- (void)displayTransient {
   _opened++;
+  [super displayTransient];
 }
 @end
 
@@ -70,6 +72,7 @@ TEST_F(SegmentedControl, ACellThatDrawsOnItsOwnStillHitTests) {
 TEST_F(SegmentedControl, FixedWidthsMoveTheBoundaries) {
   NSSegmentedControl *control = AddControl([TVOwnDrawingSegmentedCell new]);
   // 0 and 2 automatic, 1 fixed at 50: frames 0-125, 125-175, 175-300.
+  [control display];
   [control setWidth:50 forSegment:1];
   EXPECT_EQ([control widthForSegment:1], 50);
   EXPECT_EQ([control widthForSegment:0], 0);
@@ -131,23 +134,20 @@ TEST_F(SegmentedControl, DisabledSegmentsAreNotSelected) {
 
 TEST_F(SegmentedControl, ASegmentsMenuOpensWhenItIsPressed) {
   NSSegmentedControl *control = AddControl();
-  Owned<NSMenu> menu([[NSMenu alloc] initWithTitle:@"m"]);
+  Owned<TVCountingMenu> menu([[TVCountingMenu alloc] initWithTitle:@"m"]);
   [menu.get() addItemWithTitle:@"one" action:NULL keyEquivalent:@""];
-  Owned<TVMenuWatcher> watcher([TVMenuWatcher new]);
-  [menu.get() setDelegate:(id)watcher.get()];
   [control setMenu:menu.get() forSegment:0];
   EXPECT_EQ([control menuForSegment:0], menu.get());
   // The release far away closes the menu again.
   PostMouse(control, NSLeftMouseDown, NSMakePoint(20, 13));
   PostMouse(control, NSLeftMouseUp, NSMakePoint(380, -150));
   DrainEvents();
-  EXPECT_EQ(watcher.get()->_opened, 1);
+  EXPECT_EQ(menu.get()->_opened, 1);
   EXPECT_FALSE([[menu.get() window] isVisible]);
   EXPECT_EQ(recorder()->_count, 0);
   // Segments without a menu still select.
   ClickSegmentAt(control, 150);
   EXPECT_EQ([control selectedSegment], 1);
-  [menu.get() setDelegate:nil];
 }
 
 TEST_F(SegmentedControl, IndexesOutOfRangeAreIgnored) {

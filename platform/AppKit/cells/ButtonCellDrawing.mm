@@ -222,16 +222,16 @@ static void TVCellSetHighlighted(NSCell *self, SEL _cmd, BOOL flag) {
 @implementation NSButtonCell (TalvoPlatformDrawing)
 
 + (void)load {
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(drawInteriorWithFrame:inView:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(drawInteriorWithFrame:inView:),
                           (IMP)TVButtonCellDrawInterior);
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(imageRectForBounds:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(imageRectForBounds:),
                           (IMP)TVButtonCellImageRect);
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(titleRectForBounds:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(titleRectForBounds:),
                           (IMP)TVButtonCellTitleRect);
   originalMouseDown = (void (*)(id, SEL, NSEvent *))TVReplaceInstanceMethod(
-      [NSControl class], @selector(mouseDown:), (IMP)TVControlMouseDown);
+      objc_getClass("NSControl"), @selector(mouseDown:), (IMP)TVControlMouseDown);
   originalSetHighlighted = (void (*)(id, SEL, BOOL))TVReplaceInstanceMethod(
-      [NSCell class], @selector(setHighlighted:), (IMP)TVCellSetHighlighted);
+      objc_getClass("NSCell"), @selector(setHighlighted:), (IMP)TVCellSetHighlighted);
 }
 
 @end

@@ -33,15 +33,26 @@ static BOOL TVSegmentInRange(NSSegmentedCell *cell, NSInteger segment) {
   return segment >= 0 && segment < [cell segmentCount];
 }
 
-// The frame of each segment in `frame`: a segment of width 0 shares what is
-// left of the frame equally with the other automatic segments after it.
+// The frame of each segment in `frame`: the segments of width 0 share what
+// the fixed-width segments leave, equally.
 static NSRect TVSegmentFrame(NSSegmentedCell *cell, NSRect frame, NSInteger segment) {
   NSInteger count = [cell segmentCount];
+  CGFloat fixed = 0;
+  NSInteger automatic = 0;
+  for (NSInteger i = 0; i < count; i++) {
+    CGFloat width = [cell widthForSegment:i];
+    if (width > 0) {
+      fixed += width;
+    } else {
+      automatic++;
+    }
+  }
+  CGFloat shared = automatic > 0 ? MAX(0, NSWidth(frame) - fixed) / (CGFloat)automatic : 0;
   CGFloat x = NSMinX(frame);
   for (NSInteger i = 0; i < count; i++) {
     CGFloat width = [cell widthForSegment:i];
     if (!(width > 0)) {
-      width = (NSMaxX(frame) - x) / (CGFloat)(count - i);
+      width = shared;
     }
     if (i == segment) {
       return NSMakeRect(x, NSMinY(frame), width, NSHeight(frame));
@@ -49,6 +60,18 @@ static NSRect TVSegmentFrame(NSSegmentedCell *cell, NSRect frame, NSInteger segm
     x += width;
   }
   return NSZeroRect;
+}
+
+// Draws each segment in the frame hit-testing uses.
+static void TVSegmentedDrawInterior(NSSegmentedCell *self, SEL _cmd, NSRect frame, NSView *view) {
+  static Ivar controlViewIvar = class_getInstanceVariable([NSActionCell class], "_control_view");
+  if (view != nil && controlViewIvar != NULL) {
+    object_setIvar(self, controlViewIvar, view);
+  }
+  NSInteger count = [self segmentCount];
+  for (NSInteger i = 0; i < count; i++) {
+    [self drawSegment:i inFrame:TVSegmentFrame(self, frame, i) withView:view];
+  }
 }
 
 static NSInteger TVSegmentAtPoint(NSSegmentedCell *cell, NSPoint point, NSView *view) {
@@ -314,7 +337,7 @@ static void TVSegmentSetCount(NSSegmentedCell *self, SEL _cmd, NSInteger count) 
 }
 
 static void TVHookSegmentMethod(SEL selector, IMP replacement) {
-  IMP original = TVReplaceInstanceMethod([NSSegmentedCell class], selector, replacement);
+  IMP original = TVReplaceInstanceMethod(objc_getClass("NSSegmentedCell"), selector, replacement);
   if (original != NULL && segmentMethodCount < (int)(sizeof segmentMethods / sizeof segmentMethods[0])) {
     segmentMethods[segmentMethodCount].selector = selector;
     segmentMethods[segmentMethodCount].original = original;
@@ -345,9 +368,11 @@ static void TVHookSegmentMethod(SEL selector, IMP replacement) {
 @implementation NSSegmentedCell (TalvoPlatformTracking)
 
 + (void)load {
-  Class cell = [NSSegmentedCell class];
+  Class cell = objc_getClass("NSSegmentedCell");
   originalTrackMouse = (BOOL(*)(id, SEL, NSEvent *, NSRect, NSView *, BOOL))TVReplaceInstanceMethod(
       cell, @selector(trackMouse:inRect:ofView:untilMouseUp:), (IMP)TVSegmentedTrackMouse);
+  TVReplaceInstanceMethod(cell, @selector(drawInteriorWithFrame:inView:),
+                          (IMP)TVSegmentedDrawInterior);
   TVReplaceInstanceMethod(cell, @selector(startTrackingAt:inView:), (IMP)TVSegmentedStartTracking);
   TVReplaceInstanceMethod(cell, @selector(continueTracking:at:inView:),
                           (IMP)TVSegmentedContinueTracking);

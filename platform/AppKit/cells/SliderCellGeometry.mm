@@ -330,7 +330,7 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 }
 
 + (void)load {
-  Class cell = [NSSliderCell class];
+  Class cell = objc_getClass("NSSliderCell");
   TVReplaceInstanceMethod(cell, @selector(trackRect), (IMP)TVSliderTrackRect);
   originalIsVertical = (NSInteger(*)(id, SEL))TVReplaceInstanceMethod(
       cell, @selector(isVertical), (IMP)TVSliderIsVertical);
@@ -354,9 +354,9 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
   originalSliderDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(cell, @selector(dealloc),
                                                                       (IMP)TVSliderDealloc);
   originalSliderInit = (id(*)(id, SEL, NSRect))TVReplaceInstanceMethod(
-      [NSSlider class], @selector(initWithFrame:), (IMP)TVSliderInitWithFrame);
+      objc_getClass("NSSlider"), @selector(initWithFrame:), (IMP)TVSliderInitWithFrame);
   originalSliderSetCell = (void (*)(id, SEL, NSCell *))TVReplaceInstanceMethod(
-      [NSSlider class], @selector(setCell:), (IMP)TVSliderSetCell);
+      objc_getClass("NSSlider"), @selector(setCell:), (IMP)TVSliderSetCell);
 }
 
 @end

@@ -90,7 +90,7 @@ static void TVEndEditing(NSCell *self, SEL _cmd, NSText *editor) {
 @implementation NSTextFieldCell (TalvoPlatformEditing)
 
 + (void)load {
-  Class cell = [NSTextFieldCell class];
+  Class cell = objc_getClass("NSTextFieldCell");
   originalEdit = (void (*)(id, SEL, NSRect, NSView *, NSText *, id, NSEvent *))TVReplaceInstanceMethod(
       cell, @selector(editWithFrame:inView:editor:delegate:event:), (IMP)TVEditWithFrame);
   originalSelect = (void (*)(id, SEL, NSRect, NSView *, NSText *, id, NSInteger, NSInteger))
