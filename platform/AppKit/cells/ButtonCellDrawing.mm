@@ -58,6 +58,19 @@ static TVButtonContent TVButtonCellContent(NSButtonCell *cell) {
   return content;
 }
 
+// The image position that applies: a missing image or title drops out of the
+// layout (NSNoImage: title only; NSImageOnly: image only, or nothing).
+static NSCellImagePosition TVButtonCellPosition(NSButtonCell *cell, TVButtonContent content) {
+  NSCellImagePosition position = [cell imagePosition];
+  if (content.image == nil) {
+    position = NSNoImage;
+  }
+  if (content.title == nil) {
+    position = NSImageOnly;
+  }
+  return position;
+}
+
 static NSView *TVCellControlView(NSCell *cell) {
   return [cell controlView];
 }
@@ -68,17 +81,11 @@ static TVButtonRects TVButtonCellLayout(NSButtonCell *cell, NSRect bounds) {
   TVButtonRects rects = {NSZeroRect, NSZeroRect};
   NSRect interior = [cell drawingRectForBounds:bounds];
   TVButtonContent content = TVButtonCellContent(cell);
-  NSCellImagePosition position = [cell imagePosition];
-  BOOL hasImage = content.image != nil && position != NSNoImage;
-  BOOL hasTitle = content.title != nil && position != NSImageOnly;
-  NSSize imageSize = hasImage ? [content.image size] : NSZeroSize;
-  NSSize titleSize = hasTitle ? [content.title size] : NSZeroSize;
-  if (!hasImage) {
-    position = NSNoImage;
-  }
-  if (!hasTitle) {
-    position = NSImageOnly;  // also when there is neither: nothing is drawn
-  }
+  NSCellImagePosition position = TVButtonCellPosition(cell, content);
+  BOOL hasImage = position != NSNoImage;
+  BOOL hasTitle = position != NSImageOnly;
+  NSSize imageSize = hasImage && content.image != nil ? [content.image size] : NSZeroSize;
+  NSSize titleSize = hasTitle && content.title != nil ? [content.title size] : NSZeroSize;
   // "Above" and "below" are visual: in a flipped view they swap in y.
   if ([TVCellControlView(cell) isFlipped]) {
     if (position == NSImageAbove) {
@@ -168,7 +175,7 @@ static void TVButtonCellDrawInterior(NSButtonCell *self, SEL _cmd, NSRect frame,
     object_setIvar(self, controlViewIvar, view);
   }
   TVButtonContent content = TVButtonCellContent(self);
-  NSCellImagePosition position = [self imagePosition];
+  NSCellImagePosition position = TVButtonCellPosition(self, content);
   if (content.image != nil && position != NSNoImage) {
     [self drawImage:content.image withFrame:[self imageRectForBounds:frame] inView:view];
   }

@@ -172,8 +172,10 @@ static void TVFitScroller(NSScrollView *scrollView, NSScroller *scroller, BOOL v
     // Floating scrollers draw over the content.
     NSArray *subviews = [scrollView subviews];
     if ([subviews indexOfObjectIdenticalTo:scroller] < [subviews indexOfObjectIdenticalTo:content]) {
-      [[scroller retain] autorelease];
+      [scroller retain];
+      [scroller removeFromSuperview];
       [scrollView addSubview:scroller positioned:NSWindowAbove relativeTo:content];
+      [scroller release];
     }
   }
 }

@@ -14,7 +14,6 @@
 #endif
 
 #include <cmath>
-#include <mutex>
 #include <unordered_set>
 
 namespace {
@@ -29,9 +28,9 @@ std::unordered_set<const void *> &ExplicitOrientation() {
   return cells;
 }
 
+// One of NSSliderCell's instance variables, by name.
 template <typename T>
 T &IvarRef(id object, const char *name) {
-  static_assert(sizeof(T) > 0, "");
   Ivar ivar = class_getInstanceVariable([NSSliderCell class], name);
   return *(T *)((char *)object + ivar_getOffset(ivar));
 }
@@ -92,7 +91,6 @@ static void TVSliderPrepare(NSSliderCell *cell) {
 
 static NSRect (*originalKnobRect)(id, SEL, BOOL) = NULL;
 static CGFloat (*originalKnobThickness)(id, SEL) = NULL;
-static NSInteger (*originalIsVertical)(id, SEL) = NULL;
 
 static NSRect TVSliderTrackRect(NSSliderCell *self, SEL _cmd) {
   TVSliderPrepare(self);
@@ -332,8 +330,7 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 + (void)load {
   Class cell = objc_getClass("NSSliderCell");
   TVReplaceInstanceMethod(cell, @selector(trackRect), (IMP)TVSliderTrackRect);
-  originalIsVertical = (NSInteger(*)(id, SEL))TVReplaceInstanceMethod(
-      cell, @selector(isVertical), (IMP)TVSliderIsVertical);
+  TVReplaceInstanceMethod(cell, @selector(isVertical), (IMP)TVSliderIsVertical);
   originalKnobRect = (NSRect(*)(id, SEL, BOOL))TVReplaceInstanceMethod(
       cell, @selector(knobRectFlipped:), (IMP)TVSliderKnobRect);
   originalKnobThickness = (CGFloat(*)(id, SEL))TVReplaceInstanceMethod(
