@@ -80,7 +80,9 @@ TEST_F(Slider, SetVerticalOverridesTheFrame) {
   [(NSSliderCell *)[slider cell] setVertical:YES];
   [slider display];
   EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 1);
-  [(NSSliderCell *)[slider cell] setVertical:NO];
+  [slider setVertical:NO];
+  EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 0);
+  [slider display];
   EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 0);
 }
 

@@ -298,6 +298,17 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 
 #pragma mark - Installation
 
+@implementation NSSlider (TalvoPlatformGeometry)
+
+- (void)setVertical:(BOOL)vertical {
+  id cell = [self cell];
+  if ([cell isKindOfClass:[NSSliderCell class]]) {
+    [(NSSliderCell *)cell setVertical:vertical];
+  }
+}
+
+@end
+
 @implementation NSSliderCell (TalvoPlatformGeometry)
 
 - (NSRect)barRectFlipped:(BOOL)flipped {
