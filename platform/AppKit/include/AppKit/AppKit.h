@@ -30,3 +30,5 @@
 #import <AppKit/NSTableRowView.h>
 #import <AppKit/NSImage+TalvoTemplate.h>
 #import <AppKit/NSBundle+TalvoImages.h>
+#import <AppKit/NSCell+TalvoPlatform.h>
+#import <AppKit/NSScroller+TalvoPlatform.h>
