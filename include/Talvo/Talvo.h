@@ -20,6 +20,22 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSLayoutConstraint+Container.h>
 #import <Talvo/VXLiveResizeView.h>
 
+// Windows and window effects
+#import <Talvo/VXCustomWindow.h>
+#import <Talvo/VXBarlessCustomWindow.h>
+#import <Talvo/VXVisualEffectWindow.h>
+#import <Talvo/VXBottomPopupWindow.h>
+#import <Talvo/VXWindowIntrospection.h>
+#import <Talvo/NSWindow+Image.h>
+#import <Talvo/NSView+Image.h>
+#import <Talvo/NSWindow+ZoomEffect.h>
+#import <Talvo/NSWindow+Animation.h>
+#import <Talvo/CAKeyframeAnimation+Shake.h>
+#import <Talvo/CALayer+CenterPoint.h>
+#import <Talvo/VXProgressPanel.h>
+#import <Talvo/NSAlert+Block.h>
+#import <Talvo/NSBundle+ObjectLoader.h>
+
 // Images and colours
 #import <Talvo/VXImageTrimming.h>
 #import <Talvo/VXOffscreenDrawing.h>

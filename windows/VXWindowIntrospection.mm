@@ -1,0 +1,4 @@
+#import <Talvo/VXWindowIntrospection.h>
+
+unsigned char VXIntrospectionDone = 0;
+unsigned char VXIntrospectionDoneForBorderless = 0;
