@@ -8,8 +8,10 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
-// AppKit's tracking-area update, which not every AppKit declares.
+// AppKit's tracking-area API, which not every AppKit declares.
 @interface NSView (VXButtonTrackingAreas)
+- (void)addTrackingArea:(NSTrackingArea *)trackingArea;
+- (void)removeTrackingArea:(NSTrackingArea *)trackingArea;
 - (void)updateTrackingAreas;
 @end
 
@@ -42,14 +44,15 @@
 }
 
 - (void)updateTrackingAreas {
+  // The area or rectangle tracked before is given up: one at a time.
+  if (_trackingArea != nil && [self respondsToSelector:@selector(removeTrackingArea:)]) {
+    [self removeTrackingArea:_trackingArea];
+  }
   if (_trackingTag != 0) {
     [self removeTrackingRect:_trackingTag];
     _trackingTag = 0;
   }
   NSRect bounds = [self bounds];
-  if ([self window] != nil) {
-    _trackingTag = [self addTrackingRect:bounds owner:self userData:NULL assumeInside:NO];
-  }
   NSTrackingArea *area =
       [[NSTrackingArea alloc] initWithRect:bounds
                                    options:NSTrackingMouseEnteredAndExited | NSTrackingActiveAlways
@@ -57,6 +60,12 @@
                                   userInfo:nil];
   TalvoDestroy(_trackingArea);
   _trackingArea = area;
+  if ([self respondsToSelector:@selector(addTrackingArea:)]) {
+    // Areas follow the button when it moves or resizes.
+    [self addTrackingArea:_trackingArea];
+  } else if ([self window] != nil) {
+    _trackingTag = [self addTrackingRect:bounds owner:self userData:NULL assumeInside:NO];
+  }
   if ([NSView instancesRespondToSelector:@selector(updateTrackingAreas)]) {
     [super updateTrackingAreas];
   }

@@ -64,6 +64,7 @@ static NSString *SegmentKey(NSInteger segment) {
 }
 
 - (void)dealloc {
+  [NSObject cancelPreviousPerformRequestsWithTarget:self];
   if (lostFocusObserver != nil) {
     [[NSNotificationCenter defaultCenter] removeObserver:lostFocusObserver];
     TalvoDestroy(lostFocusObserver);
@@ -106,6 +107,10 @@ static NSString *SegmentKey(NSInteger segment) {
   if (popoverWindow == nil) [self awakeFromNib];
   if (popoverWindow == nil) return;
 
+  // The popup takes the view's size, so that constraints pinning the view
+  // inside it start satisfied.
+  NSRect contentRect = NSMakeRect(0, 0, NSWidth([view frame]), NSHeight([view frame]));
+  [popoverWindow setFrame:[popoverWindow frameRectForContentRect:contentRect] display:NO];
   [popoverWindow setContentView:view];
   // Constraints size the popup to its content before it is placed.
   if ([popoverWindow respondsToSelector:@selector(layoutIfNeeded)]) {
@@ -167,7 +172,18 @@ static NSString *SegmentKey(NSInteger segment) {
             ![name isEqualToString:NSWindowDidMiniaturizeNotification]) {
           return;
         }
-        if ([[NSApp keyWindow] isMemberOfClass:[NSColorPanel class]]) return;
+        NSWindow *key = [NSApp keyWindow];
+        if (key == nil && [name isEqualToString:NSWindowDidResignKeyNotification]) {
+          // Where the old key window resigns before the new one is key, the
+          // new one is known only once the change is complete.
+          [self performSelector:@selector(_dismissUnlessKeyOrColorPanel)
+                     withObject:nil
+                     afterDelay:0
+                        inModes:@[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
+                                   NSEventTrackingRunLoopMode ]];
+          return;
+        }
+        if ([key isMemberOfClass:[NSColorPanel class]]) return;
         [self dismissPopoverView];
       }];
   [[NSNotificationCenter defaultCenter] addObserver:observer
@@ -175,6 +191,13 @@ static NSString *SegmentKey(NSInteger segment) {
                                                name:nil
                                              object:window];
   lostFocusObserver = observer;
+}
+
+- (void)_dismissUnlessKeyOrColorPanel {
+  NSWindow *key = [NSApp keyWindow];
+  if (key != nil && key == [self window]) return;
+  if ([key isMemberOfClass:[NSColorPanel class]]) return;
+  [self dismissPopoverView];
 }
 
 - (NSRect)_popupFrameForSize:(NSSize)size {
