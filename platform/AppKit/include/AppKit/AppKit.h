@@ -19,3 +19,5 @@
 #import <AppKit/NSView+TalvoLayoutGeometry.h>
 #import <AppKit/NSViewController+TalvoPlatform.h>
 #import <AppKit/NSWindow+TalvoLayout.h>
+#import <AppKit/NSCell+TalvoPlatform.h>
+#import <AppKit/NSScroller+TalvoPlatform.h>
