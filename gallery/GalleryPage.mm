@@ -6,6 +6,7 @@
 #import "gallery/pages/ImagesPage.h"
 #import "gallery/pages/SplitViewPage.h"
 #import "gallery/pages/StackViewPage.h"
+#import "gallery/pages/WindowsPage.h"
 
 // Fills its bounds with one colour.
 @interface GallerySwatchView : NSView {
@@ -42,7 +43,8 @@ NSArray *GalleryAllPages(void) {
                                    [[ImagesPage new] autorelease],
                                    [[ColorsPage new] autorelease],
                                    [[PopoverPage new] autorelease],
-                                   [[BindingsPage new] autorelease], nil];
+                                   [[BindingsPage new] autorelease],
+                                   [[WindowsPage new] autorelease], nil];
 }
 
 NSTextField *GalleryLabel(NSString *text, NSRect frame) {

@@ -7,7 +7,9 @@ NS_ASSUME_NONNULL_BEGIN
 
 /** Runs the alert as a sheet on `window`. `completion` (copied; the copy
  * belongs to the pending sheet) is called once with the return code after
- * the sheet has ended. The alert's own delegate is not involved. A nil
+ * the sheet has ended. The alert's own delegate is not involved. (GNUstep
+ * runs the sheet in a modal session: there the call returns once it has
+ * ended, after the completion.) A nil
  * window does nothing; a nil completion runs the sheet without a call. */
 - (void)VXBeginSheetModalForWindow:(nullable NSWindow *)window
                         completion:(nullable void (^)(NSInteger returnCode))completion;

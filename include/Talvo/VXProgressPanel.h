@@ -19,8 +19,10 @@ NS_ASSUME_NONNULL_BEGIN
 
 /** Starts the indicator, shows the title in the message field and begins
  * the panel as a sheet on `window` with the panel as modal delegate and no
- * end selector. Returns at once; ending the sheet and stopping the
- * indicator are the caller's. A nil window does nothing. */
+ * end selector. On AppKit it returns at once; GNUstep runs every sheet in a
+ * modal session, so there it returns when the sheet ends (end it with
+ * -[NSApp endSheet:] and order the panel out). Ending the sheet and
+ * stopping the indicator are the caller's. A nil window does nothing. */
 - (void)beginSheetModalForWindow:(nullable NSWindow *)window;
 
 @end

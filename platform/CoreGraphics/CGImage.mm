@@ -4,7 +4,9 @@
 
 #include <CoreGraphics/CGTalvoBridge.h>
 
+#include <mutex>
 #include <new>
+#include <unordered_set>
 #include <vector>
 
 #if __has_feature(objc_arc)
@@ -60,6 +62,18 @@ namespace {
 // Keeps the image alive for as long as a data provider shows its bytes.
 void ReleaseImageBytes(void *info, const void *, size_t) { static_cast<q::Image *>(info)->release(); }
 
+// Every image alive, so that a CGImageRef passed where an object may be
+// (a layer's contents) can be told from one.
+std::mutex &LiveLock() {
+  static std::mutex *lock = new std::mutex;
+  return *lock;
+}
+
+std::unordered_set<const void *> &Live() {
+  static auto *live = new std::unordered_set<const void *>;
+  return *live;
+}
+
 CGImageRef Wrap(q::Image *image, CGColorSpaceRef space) {
   if (!image) return nullptr;
   CGImage *wrapper = new (std::nothrow) CGImage;
@@ -69,6 +83,8 @@ CGImageRef Wrap(q::Image *image, CGColorSpaceRef space) {
   }
   wrapper->image = q::ImageRef::adopt(image);
   wrapper->space = CGColorSpaceRetain(space);
+  std::lock_guard<std::mutex> hold(LiveLock());
+  Live().insert(wrapper);
   return wrapper;
 }
 
@@ -130,8 +146,18 @@ CGImageRef CGImageRetain(CGImageRef image) {
   return image;
 }
 
+bool TVCGImageIsLive(const void *pointer) {
+  if (!pointer) return false;
+  std::lock_guard<std::mutex> hold(LiveLock());
+  return Live().count(pointer) > 0;
+}
+
 void CGImageRelease(CGImageRef image) {
   if (!image || image->refs.fetch_sub(1) != 1) return;
+  {
+    std::lock_guard<std::mutex> hold(LiveLock());
+    Live().erase(image);
+  }
   CGColorSpaceRelease(image->space);
   CGDataProviderRelease(image->provider);
   delete image;

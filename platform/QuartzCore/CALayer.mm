@@ -3,11 +3,43 @@
 
 #import "platform/QuartzCore/TVAnimationTrack.h"
 
+#include <CoreGraphics/CGTalvoBridge.h>
+
 #include <cmath>
 
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
+
+NSString *const kCAGravityCenter = @"center";
+NSString *const kCAGravityTop = @"top";
+NSString *const kCAGravityBottom = @"bottom";
+NSString *const kCAGravityLeft = @"left";
+NSString *const kCAGravityRight = @"right";
+NSString *const kCAGravityTopLeft = @"topLeft";
+NSString *const kCAGravityTopRight = @"topRight";
+NSString *const kCAGravityBottomLeft = @"bottomLeft";
+NSString *const kCAGravityBottomRight = @"bottomRight";
+NSString *const kCAGravityResize = @"resize";
+NSString *const kCAGravityResizeAspect = @"resizeAspect";
+NSString *const kCAGravityResizeAspectFill = @"resizeAspectFill";
+
+// Contents are objects or CGImages (which are not objects here): each is
+// retained and released its own way.
+static id TVRetainContents(id contents) {
+  if (TVCGImageIsLive(contents)) {
+    return (id)CGImageRetain((CGImageRef)contents);
+  }
+  return [contents retain];
+}
+
+static void TVReleaseContents(id contents) {
+  if (TVCGImageIsLive(contents)) {
+    CGImageRelease((CGImageRef)contents);
+  } else {
+    [contents release];
+  }
+}
 
 // Keys whose changes run an action by default.
 static BOOL TVIsImplicitlyAnimatedKey(NSString *key) {
@@ -101,7 +133,7 @@ int ValueComponents(id value, double out[4]) {
 @synthesize position = _position;
 @synthesize anchorPoint = _anchorPoint;
 @synthesize geometryFlipped = _geometryFlipped;
-@synthesize contents = _contents;
+@dynamic contents;
 @synthesize contentsScale = _contentsScale;
 @synthesize opacity = _opacity;
 @synthesize hidden = _hidden;
@@ -109,6 +141,10 @@ int ValueComponents(id value, double out[4]) {
 @synthesize delegate = _delegate;
 @synthesize actions = _actions;
 @synthesize superlayer = _superlayer;
+@synthesize masksToBounds = _masksToBounds;
+@synthesize affineTransform = _affineTransform;
+@dynamic contentsGravity;
+@dynamic backgroundColor;
 @dynamic frame;
 @dynamic sublayers;
 
@@ -126,6 +162,8 @@ int ValueComponents(id value, double out[4]) {
     _contentsScale = 1;
     _animationTracks = [NSMutableDictionary new];
     _animationKeys = [NSMutableArray new];
+    _contentsGravity = [kCAGravityResize copy];
+    _affineTransform = CGAffineTransformIdentity;
   }
   return self;
 }
@@ -138,7 +176,7 @@ int ValueComponents(id value, double out[4]) {
     _position = other->_position;
     _anchorPoint = other->_anchorPoint;
     _geometryFlipped = other->_geometryFlipped;
-    _contents = [other->_contents retain];
+    _contents = TVRetainContents(other->_contents);
     _contentsScale = other->_contentsScale;
     _opacity = other->_opacity;
     _hidden = other->_hidden;
@@ -146,6 +184,11 @@ int ValueComponents(id value, double out[4]) {
     _delegate = other->_delegate;
     _actions = [other->_actions copy];
     _undeclaredValues = [other->_undeclaredValues mutableCopy];
+    _backgroundColor = CGColorRetain(other->_backgroundColor);
+    [_contentsGravity release];
+    _contentsGravity = [other->_contentsGravity copy];
+    _masksToBounds = other->_masksToBounds;
+    _affineTransform = other->_affineTransform;
   }
   return self;
 }
@@ -160,6 +203,8 @@ int ValueComponents(id value, double out[4]) {
   for (CALayer *sublayer in _sublayers) {
     sublayer->_superlayer = nil;
   }
+  [_contentsGravity release];
+  CGColorRelease(_backgroundColor);
   [_modelLayer release];
   [_undeclaredValues release];
   [_animationKeys release];
@@ -167,7 +212,7 @@ int ValueComponents(id value, double out[4]) {
   [_sublayers release];
   [_actions release];
   [_name release];
-  [_contents release];
+  TVReleaseContents(_contents);
   [super dealloc];
 }
 
@@ -213,6 +258,41 @@ int ValueComponents(id value, double out[4]) {
     return;
   }
   [self _tv_changeKey:@"opacity" by:^{ self->_opacity = opacity; }];
+}
+
+#pragma mark - Appearance
+
+- (id)contents {
+  return _contents;
+}
+
+- (void)setContents:(id)contents {
+  id old = _contents;
+  _contents = TVRetainContents(contents);
+  TVReleaseContents(old);
+}
+
+- (NSString *)contentsGravity {
+  return _contentsGravity;
+}
+
+- (void)setContentsGravity:(NSString *)gravity {
+  if (![gravity isKindOfClass:[NSString class]]) {
+    gravity = kCAGravityResize;
+  }
+  NSString *old = _contentsGravity;
+  _contentsGravity = [gravity copy];
+  [old release];
+}
+
+- (CGColorRef)backgroundColor {
+  return _backgroundColor;
+}
+
+- (void)setBackgroundColor:(CGColorRef)color {
+  CGColorRef old = _backgroundColor;
+  _backgroundColor = CGColorRetain(color);
+  CGColorRelease(old);
 }
 
 #pragma mark - Sublayers

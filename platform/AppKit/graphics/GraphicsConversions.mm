@@ -216,9 +216,39 @@ NSInteger PixelsFor(CGFloat points) {
 
 @implementation NSImage (TalvoPlatformGraphics)
 
+- (instancetype)initWithCGImage:(CGImageRef)image size:(NSSize)size {
+  bool pixelSize = size.width == 0 && size.height == 0;
+  if (!image || (!pixelSize && !(size.width > 0 && size.height > 0 && std::isfinite(size.width) &&
+                                 std::isfinite(size.height)))) {
+    [self release];
+    return nil;
+  }
+  NSBitmapImageRep *rep = [[NSBitmapImageRep alloc] initWithCGImage:image];
+  if (!rep) {
+    [self release];
+    return nil;
+  }
+  if (pixelSize) size = NSMakeSize([rep pixelsWide], [rep pixelsHigh]);
+  [rep setSize:size];
+  self = [self initWithSize:size];
+  if (self) [self addRepresentation:rep];
+  [rep release];
+  return self;
+}
+
 - (CGImageRef)CGImageForProposedRect:(NSRect *)proposedRect
                              context:(NSGraphicsContext *)context
                                hints:(NSDictionary *)hints {
+  // One bitmap and no size asked for: its own pixels, not a redrawing at
+  // one pixel per point (an image made from a CGImage gives it back).
+  NSArray *reps = [self representations];
+  if (!proposedRect && [reps count] == 1) {
+    NSImageRep *only = [reps objectAtIndex:0];
+    if ([only isKindOfClass:[NSBitmapImageRep class]] && [only pixelsWide] > 0 &&
+        [only pixelsHigh] > 0 && [(NSBitmapImageRep *)only bitmapData] != NULL) {
+      return [(NSBitmapImageRep *)only CGImage];
+    }
+  }
   NSSize size = proposedRect ? proposedRect->size : [self size];
   NSImage *me = self;
   return [_TVCGReference

@@ -21,3 +21,6 @@
 #import <AppKit/NSWindow+TalvoLayout.h>
 #import <AppKit/NSCell+TalvoPlatform.h>
 #import <AppKit/NSScroller+TalvoPlatform.h>
+#import <AppKit/NSWindow+TalvoPlatform.h>
+#import <AppKit/NSAppearance+TalvoPlatform.h>
+#import <AppKit/NSVisualEffectView.h>

@@ -17,7 +17,7 @@
  * nil). A rep whose size differs from its pixel size gets a scaled CTM.
  *
  * Conversions: -[NSBitmapImageRep initWithCGImage:] and -CGImage,
- * -[NSImage CGImageForProposedRect:context:hints:],
+ * -[NSImage initWithCGImage:size:], -[NSImage CGImageForProposedRect:context:hints:],
  * -[NSImageRep CGImageForProposedRect:context:hints:], -[NSColor CGColor].
  * The CGImage and CGColor answers are autoreleased objects' lifetimes: valid
  * until the current autorelease pool drains (CGImageRetain to keep them).
@@ -51,7 +51,14 @@
 @end
 
 @interface NSImage (TalvoPlatformGraphics)
-// `proposedRect` (in points; NULL: the image's size) gives the pixel size.
+// One bitmap rep holding the image's pixels (premultiplied RGBA, as
+// -[NSBitmapImageRep initWithCGImage:]) at `size` points; NSZeroSize: one
+// point per pixel. Nil for a NULL image or a size that is negative, not
+// finite or zero in one dimension only.
+- (instancetype)initWithCGImage:(CGImageRef)image size:(NSSize)size;
+// `proposedRect` (in points) gives the pixel size. NULL: an image whose one
+// rep is a bitmap answers that bitmap's pixels; any other image is drawn
+// at one pixel per point of its size.
 - (CGImageRef)CGImageForProposedRect:(NSRect *)proposedRect
                              context:(NSGraphicsContext *)context
                                hints:(NSDictionary *)hints;

@@ -181,6 +181,8 @@ struct CGContext {
 CGImageRef TVCGImageCreateWithImage(talvo::quartz::Image *image);
 // A context whose state lives in `bridge` for good (AppKit's own contexts).
 CGContextRef TVCGContextCreateBridged(std::unique_ptr<talvo::cg::Bridge> bridge);
+// Whether `pointer` is a live CGImage made here.
+bool TVCGImageIsLive(const void *pointer);
 // Whether `pointer` is a live CGContext made here.
 bool TVCGContextIsLive(const void *pointer);
 // Hands the state to `bridge` (null: takes it back, bringing the bitmap's

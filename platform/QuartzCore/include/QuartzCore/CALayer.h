@@ -20,11 +20,19 @@
  * Other keys animate through key-value coding; keys a layer does not
  * declare are stored, as Core Animation stores them.
  *
- * Not covered: drawing (display, drawInContext:, setNeedsDisplay,
- * contentsRect, contentsGravity, filters), transforms, masks, shadows,
+ * Drawing: -renderInContext: (CALayer+TalvoRendering.h) draws a layer
+ * tree, and a layer-backed view shows its layer in its window
+ * (NSView+TalvoLayerDrawing.h), from `contents` (a CGImage or an NSImage)
+ * placed by `contentsGravity`, `backgroundColor`, `opacity`, `hidden`,
+ * `masksToBounds`, `affineTransform` and the sublayers.
+ *
+ * Not covered: display, drawInContext:, setNeedsDisplay, contentsRect,
+ * contentsCenter, filters, 3D transforms (CATransform3D), masks, shadows,
  * borders, corner radius, hit testing, coordinate conversion, layer
  * timing (layers do not adopt CAMediaTiming), sublayers of presentation
- * layers (a presentation layer has none), archiving.
+ * layers (a presentation layer has none: renderers take the model's
+ * sublayers' presentation layers), archiving. backgroundColor,
+ * contentsGravity, masksToBounds and affineTransform do not animate.
  */
 #ifndef TALVO_CALAYER_H
 #define TALVO_CALAYER_H
@@ -35,6 +43,22 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @class CALayer;
+
+/** Values of `contentsGravity`: where the contents go in the bounds. The
+ * names are the directions on screen (top is up whatever the layer's
+ * geometry). */
+CA_EXTERN NSString *const kCAGravityCenter;
+CA_EXTERN NSString *const kCAGravityTop;
+CA_EXTERN NSString *const kCAGravityBottom;
+CA_EXTERN NSString *const kCAGravityLeft;
+CA_EXTERN NSString *const kCAGravityRight;
+CA_EXTERN NSString *const kCAGravityTopLeft;
+CA_EXTERN NSString *const kCAGravityTopRight;
+CA_EXTERN NSString *const kCAGravityBottomLeft;
+CA_EXTERN NSString *const kCAGravityBottomRight;
+CA_EXTERN NSString *const kCAGravityResize;
+CA_EXTERN NSString *const kCAGravityResizeAspect;
+CA_EXTERN NSString *const kCAGravityResizeAspectFill;
 
 @protocol CAAction
 /** Runs the action: an animation adds itself to `object` (a layer) for the
@@ -74,6 +98,10 @@ NS_ASSUME_NONNULL_BEGIN
   NSMutableArray *_animationKeys;  // in the order added
   NSMutableDictionary *_undeclaredValues;
   CALayer *_modelLayer;  // presentation copies only
+  CGColorRef _backgroundColor;
+  NSString *_contentsGravity;
+  BOOL _masksToBounds;
+  CGAffineTransform _affineTransform;
 }
 
 + (instancetype)layer;
@@ -91,6 +119,15 @@ NS_ASSUME_NONNULL_BEGIN
 @property(nonatomic, assign, getter=isGeometryFlipped) BOOL geometryFlipped;
 @property(nonatomic, retain, nullable) id contents;
 @property(nonatomic, assign) CGFloat contentsScale;
+/** kCAGravityResize by default; an unknown value places like it. */
+@property(nonatomic, copy) NSString *contentsGravity;
+/** Retained; NULL (the default) draws nothing under the contents. */
+@property(nonatomic, assign, nullable) CGColorRef backgroundColor;
+/** Whether sublayers are clipped to the bounds; NO by default. */
+@property(nonatomic, assign) BOOL masksToBounds;
+/** Applied about the anchor point, in the superlayer's space; identity by
+ * default. */
+@property(nonatomic, assign) CGAffineTransform affineTransform;
 /** 1 by default. */
 @property(nonatomic, assign) float opacity;
 @property(nonatomic, assign, getter=isHidden) BOOL hidden;

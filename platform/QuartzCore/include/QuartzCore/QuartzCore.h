@@ -1,9 +1,11 @@
 /*
  * <QuartzCore/QuartzCore.h> for Talvo on GNUstep: Talvo's stand-in for
- * Apple's Core Animation. It times and evaluates animations; it does not
- * render. Layers hold geometry, opacity and contents, and their
- * presentation layers show in-flight animations, but nothing composites
- * layers on screen here (views draw themselves as usual).
+ * Apple's Core Animation. It times and evaluates animations and draws
+ * layer trees into a CGContext (-renderInContext:); layers hold geometry,
+ * opacity and contents, and their presentation layers show in-flight
+ * animations. A layer-backed view shows its layer in its window through
+ * the AppKit side (NSView+TalvoLayerDrawing.h); there is no separate
+ * compositor.
  *
  * One clock drives every animation: a repeating timer on the main run loop,
  * about 60 frames a second, in the default, modal-panel and event-tracking
@@ -24,5 +26,6 @@
 #import <QuartzCore/CAAnimation.h>
 #import <QuartzCore/CATransaction.h>
 #import <QuartzCore/CALayer.h>
+#import <QuartzCore/CALayer+TalvoRendering.h>
 
 #endif

@@ -1,0 +1,133 @@
+// One frame of a zoom effect at 1000 x 700: the animation clock moves the
+// picture's frame and alpha, and the animation window redraws the picture
+// scaled. Then a whole zoom-in of a 1000 x 700 window, per frame (12
+// frames at 60 Hz over its 0.2 s).
+#import <Talvo/Talvo.h>
+
+#include <benchmark/benchmark.h>
+
+#import "platform/QuartzCore/TVAnimationClock.h"
+#import "windows/VXAnimationWindow+Private.h"
+
+namespace {
+
+const NSSize kPicture = {1000, 700};
+
+NSImage *NewPicture() {
+  NSBitmapImageRep *rep =
+      [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                              pixelsWide:(NSInteger)kPicture.width
+                                              pixelsHigh:(NSInteger)kPicture.height
+                                           bitsPerSample:8
+                                         samplesPerPixel:4
+                                                hasAlpha:YES
+                                                isPlanar:NO
+                                          colorSpaceName:NSDeviceRGBColorSpace
+                                             bytesPerRow:0
+                                            bitsPerPixel:0];
+  unsigned char *data = [rep bitmapData];
+  for (NSInteger y = 0; y < (NSInteger)kPicture.height; ++y) {
+    for (NSInteger x = 0; x < (NSInteger)kPicture.width; ++x) {
+      unsigned char *p = data + y * [rep bytesPerRow] + x * 4;
+      p[0] = (unsigned char)(x & 255);
+      p[1] = (unsigned char)(y & 255);
+      p[2] = 128;
+      p[3] = 255;
+    }
+  }
+  NSImage *image = [[NSImage alloc] initWithSize:kPicture];
+  [image addRepresentation:rep];
+  [rep release];
+  return image;
+}
+
+NSWindow *NewWindow(NSRect frame) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:frame
+                                                 styleMask:NSBorderlessWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  return window;
+}
+
+void BM_ZoomFrame(benchmark::State &state) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  TVAnimationClockSetManual(YES);
+  NSWindow *window = NewWindow(NSMakeRect(10, 10, kPicture.width, kPicture.height));
+  _VXAnimationWindow *animation = [[_VXAnimationWindow alloc] initForWindow:window];
+  NSImage *picture = NewPicture();
+  [animation setImage:picture];
+  NSView *imageView = [animation imageView];
+  [imageView setFrame:NSMakeRect(400, 300, 100, 70)];
+  [animation orderFront:nil];
+  [animation display];
+  // A group long enough that every iteration is a frame in the middle.
+  [NSAnimationContext
+      runAnimationGroup:^(NSAnimationContext *context) {
+        [context setDuration:1e6];
+        [[imageView animator] setFrame:NSMakeRect(0, 0, kPicture.width, kPicture.height)];
+        [[imageView animator] setAlphaValue:1.0];
+      }
+      completionHandler:nil];
+  TVAnimationClockAdvance(0);
+  TVAnimationClockAdvance(3e5);  // near the middle: a large picture
+  for (auto _ : state) {
+    TVAnimationClockAdvance(1.0 / 60);
+    [animation displayIfNeeded];
+  }
+  [imageView setFrame:[imageView frame]];
+  [[imageView layer] removeAllAnimations];
+  TVAnimationClockAdvance(1e6);
+  [animation orderOut:nil];
+  [animation release];
+  [picture release];
+  [window release];
+  TVAnimationClockSetManual(NO);
+  [pool drain];
+}
+BENCHMARK(BM_ZoomFrame)->Unit(benchmark::kMillisecond);
+
+void BM_WholeZoomInPerFrame(benchmark::State &state) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  TVAnimationClockSetManual(YES);
+  NSWindow *window = NewWindow(NSMakeRect(10, 10, kPicture.width, kPicture.height));
+  for (auto _ : state) {
+    [window orderFrontWithZoomEffectFromRect:NSMakeRect(500, 400, 20, 14)];
+    [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
+                             beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.01]];
+    TVAnimationClockAdvance(0);
+    for (int frame = 0; frame < 12; ++frame) {
+      TVAnimationClockAdvance(0.2 / 12);
+      for (NSWindow *shown in [NSApp windows]) {
+        if ([shown isKindOfClass:[_VXAnimationWindow class]]) [shown displayIfNeeded];
+      }
+    }
+    TVAnimationClockAdvance(0.01);
+    [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
+                             beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.01]];
+    state.PauseTiming();
+    [window orderOut:nil];
+    state.ResumeTiming();
+  }
+  state.counters["per_frame_ms"] = benchmark::Counter(
+      12 * state.iterations(), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  [window release];
+  TVAnimationClockSetManual(NO);
+  [pool drain];
+}
+BENCHMARK(BM_WholeZoomInPerFrame)->Unit(benchmark::kMillisecond)->Iterations(10);
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+  [NSApplication sharedApplication];
+  [NSApp finishLaunching];
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  [pool drain];
+  return 0;
+}

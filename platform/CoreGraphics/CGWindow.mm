@@ -1,0 +1,490 @@
+// The window-server stand-in: this process's windows as Quartz's window
+// list describes them, and their pictures taken from each window's own back
+// buffer. There is no window manager and no compositor under X here, so
+// stacking comes from the root window's children and a shadow, when asked
+// for, is drawn from the window's alpha.
+
+#import <AppKit/AppKit.h>
+#import <CoreGraphics/CGTalvoBridge.h>
+#import <CoreGraphics/CoreGraphics.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#import "platform/AppKit/windows/TVWindowServer.h"
+
+#if __has_feature(objc_arc)
+#error "This file is manual reference counting only."
+#endif
+
+namespace q = talvo::quartz;
+
+const CFStringRef kCGWindowNumber = (CFStringRef)@"kCGWindowNumber";
+const CFStringRef kCGWindowStoreType = (CFStringRef)@"kCGWindowStoreType";
+const CFStringRef kCGWindowLayer = (CFStringRef)@"kCGWindowLayer";
+const CFStringRef kCGWindowBounds = (CFStringRef)@"kCGWindowBounds";
+const CFStringRef kCGWindowSharingState = (CFStringRef)@"kCGWindowSharingState";
+const CFStringRef kCGWindowAlpha = (CFStringRef)@"kCGWindowAlpha";
+const CFStringRef kCGWindowOwnerPID = (CFStringRef)@"kCGWindowOwnerPID";
+const CFStringRef kCGWindowMemoryUsage = (CFStringRef)@"kCGWindowMemoryUsage";
+const CFStringRef kCGWindowOwnerName = (CFStringRef)@"kCGWindowOwnerName";
+const CFStringRef kCGWindowName = (CFStringRef)@"kCGWindowName";
+const CFStringRef kCGWindowIsOnscreen = (CFStringRef)@"kCGWindowIsOnscreen";
+
+namespace {
+
+// The drawn shadow, in points: how far it spreads, how far down it falls,
+// how dark it is at its densest.
+constexpr double kShadowRadius = 10.0;
+constexpr double kShadowOffset = 4.0;
+constexpr double kShadowOpacity = 0.45;
+
+#pragma mark - Window arrays
+
+// An element of a window array: a raw CGWindowID stored as a pointer, or
+// an NSNumber holding one.
+bool WindowIDOf(id element, CGWindowID *windowID) {
+  uintptr_t raw = (uintptr_t)element;
+  if (raw == 0) {
+    return false;
+  }
+  if (raw <= UINT32_MAX) {
+    *windowID = (CGWindowID)raw;
+    return true;
+  }
+  if (![element isKindOfClass:[NSNumber class]]) {
+    return false;
+  }
+  long long value = [(NSNumber *)element longLongValue];
+  if (value <= 0 || value > (long long)UINT32_MAX) {
+    return false;
+  }
+  *windowID = (CGWindowID)value;
+  return true;
+}
+
+NSWindow *WindowWithID(CGWindowID windowID) {
+  if (windowID == kCGNullWindowID || windowID > INT32_MAX) {
+    return nil;
+  }
+  NSWindow *window = GSWindowWithNumber((NSInteger)windowID);
+  return [window isKindOfClass:[NSWindow class]] ? window : nil;
+}
+
+// The known windows of `array`, in its order; nil for something that is
+// not an array.
+NSArray *WindowsOfArray(CFArrayRef array) {
+  id object = (id)array;
+  if (object == nil || ![object isKindOfClass:[NSArray class]]) {
+    return nil;
+  }
+  NSMutableArray *windows = [NSMutableArray arrayWithCapacity:[object count]];
+  for (NSUInteger i = 0; i < [object count]; i++) {
+    CGWindowID windowID = 0;
+    NSWindow *window = WindowIDOf([object objectAtIndex:i], &windowID) ? WindowWithID(windowID) : nil;
+    if (window != nil) {
+      [windows addObject:window];
+    }
+  }
+  return windows;
+}
+
+#pragma mark - Descriptions
+
+NSDictionary *Describe(NSWindow *window) {
+  NSMutableDictionary *d = [NSMutableDictionary dictionaryWithCapacity:10];
+  NSDictionary *bounds = (NSDictionary *)CGRectCreateDictionaryRepresentation(TVWindowServerBounds(window));
+  [d setObject:bounds forKey:(NSString *)kCGWindowBounds];
+  [bounds release];
+  [d setObject:[NSNumber numberWithUnsignedInt:(unsigned)[window windowNumber]]
+        forKey:(NSString *)kCGWindowNumber];
+  [d setObject:[NSNumber numberWithInt:(int)[window level]] forKey:(NSString *)kCGWindowLayer];
+  [d setObject:[NSNumber numberWithDouble:[window alphaValue]] forKey:(NSString *)kCGWindowAlpha];
+  [d setObject:[NSNumber numberWithBool:[window isVisible]] forKey:(NSString *)kCGWindowIsOnscreen];
+  [d setObject:[NSNumber numberWithInt:(int)[window backingType]]
+        forKey:(NSString *)kCGWindowStoreType];
+  [d setObject:[NSNumber numberWithInt:kCGWindowSharingReadOnly]
+        forKey:(NSString *)kCGWindowSharingState];
+  [d setObject:[NSNumber numberWithInt:(int)getpid()] forKey:(NSString *)kCGWindowOwnerPID];
+  NSString *owner = [[NSProcessInfo processInfo] processName];
+  if (owner != nil) {
+    [d setObject:owner forKey:(NSString *)kCGWindowOwnerName];
+  }
+  NSString *title = [window title];
+  if ([title length] > 0) {
+    [d setObject:title forKey:(NSString *)kCGWindowName];
+  }
+  return d;
+}
+
+// Windows on screen front to back, then (for the all-windows option) the
+// others in the application's order.
+NSArray *ListedWindows(CGWindowListOption option, CGWindowID relativeTo) {
+  NSArray *stack = [[TVWindowsInStackingOrder() reverseObjectEnumerator] allObjects];
+  NSWindow *anchor = WindowWithID(relativeTo);
+  NSMutableArray *out = [NSMutableArray array];
+  bool above = (option & kCGWindowListOptionOnScreenAboveWindow) != 0;
+  bool below = (option & kCGWindowListOptionOnScreenBelowWindow) != 0;
+  if ((above || below) && anchor != nil) {
+    NSUInteger at = [stack indexOfObjectIdenticalTo:anchor];
+    for (NSUInteger i = 0; i < [stack count]; i++) {
+      if (at == NSNotFound || (above && i < at) || (below && i > at)) {
+        [out addObject:[stack objectAtIndex:i]];
+      }
+    }
+  } else if (option & kCGWindowListOptionOnScreenOnly) {
+    [out addObjectsFromArray:stack];
+  } else if (option & kCGWindowListOptionIncludingWindow) {
+    if (anchor != nil) {
+      [out addObject:anchor];
+    }
+    return out;
+  } else {
+    [out addObjectsFromArray:stack];
+    for (NSWindow *window in [NSApp windows]) {
+      if ([window windowNumber] > 0 && [out indexOfObjectIdenticalTo:window] == NSNotFound) {
+        [out addObject:window];
+      }
+    }
+  }
+  if ((option & kCGWindowListOptionIncludingWindow) && anchor != nil &&
+      [out indexOfObjectIdenticalTo:anchor] == NSNotFound) {
+    [out insertObject:anchor atIndex:0];
+  }
+  return out;
+}
+
+#pragma mark - Pictures
+
+// Three box blurs of `radius` over an alpha-only buffer, each way, within
+// the rows and columns [x0, x1) x [y0, y1): close to a gaussian of about
+// radius * 1.7 standard deviation. Outside that area the buffer is zero.
+void BlurAlpha(uint8_t *pixels, int stride, int x0, int y0, int x1, int y1, int radius) {
+  if (radius < 1 || x1 <= x0 || y1 <= y0) {
+    return;
+  }
+  const int width = x1 - x0, height = y1 - y0, span = 2 * radius + 1;
+  std::vector<uint8_t> line(std::max(width, height));
+  for (int pass = 0; pass < 3; pass++) {
+    for (int y = y0; y < y1; y++) {
+      uint8_t *row = pixels + (size_t)y * stride + x0;
+      std::copy(row, row + width, line.begin());
+      int sum = 0;
+      for (int i = 0; i <= radius && i < width; i++) sum += line[i];
+      for (int x = 0; x < width; x++) {
+        row[x] = (uint8_t)((sum + span / 2) / span);
+        int add = x + radius + 1, drop = x - radius;
+        if (add < width) sum += line[add];
+        if (drop >= 0) sum -= line[drop];
+      }
+    }
+    for (int x = x0; x < x1; x++) {
+      uint8_t *column = pixels + (size_t)y0 * stride + x;
+      for (int y = 0; y < height; y++) line[y] = column[(size_t)y * stride];
+      int sum = 0;
+      for (int i = 0; i <= radius && i < height; i++) sum += line[i];
+      for (int y = 0; y < height; y++) {
+        column[(size_t)y * stride] = (uint8_t)((sum + span / 2) / span);
+        int add = y + radius + 1, drop = y - radius;
+        if (add < height) sum += line[add];
+        if (drop >= 0) sum -= line[drop];
+      }
+    }
+  }
+}
+
+// Paints a back buffer at (x, y) of `cr` as it is: GNUstep leaves a device
+// offset on it for its own drawing, which a copy must not see.
+void PaintBuffer(cairo_t *cr, cairo_surface_t *buffer, double x, double y, cairo_operator_t op) {
+  double ox = 0, oy = 0;
+  cairo_surface_get_device_offset(buffer, &ox, &oy);
+  cairo_surface_set_device_offset(buffer, 0, 0);
+  cairo_set_operator(cr, op);
+  cairo_set_source_surface(cr, buffer, x, y);
+  cairo_paint(cr);
+  cairo_set_source_rgba(cr, 0, 0, 0, 0);  // lets go of the buffer
+  cairo_surface_set_device_offset(buffer, ox, oy);
+}
+
+// The window's shadow under where it will be painted at (x, y), w x h
+// pixels, on `target` (ARGB32, W x H): its alpha, moved down, blurred,
+// laid down in black.
+void PaintShadow(cairo_surface_t *target, cairo_surface_t *buffer, int x, int y, int w, int h,
+                 double scale) {
+  const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
+  const int radius = std::max(1, (int)std::lround(kShadowRadius * scale / 3.0));
+  const int reach = 3 * radius;
+  const int dy = (int)std::lround(kShadowOffset * scale);
+  const int x0 = std::max(0, x - reach), y0 = std::max(0, y + dy - reach);
+  const int x1 = std::min(W, x + w + reach), y1 = std::min(H, y + dy + h + reach);
+  if (x1 <= x0 || y1 <= y0) {
+    return;
+  }
+  cairo_surface_t *mask = cairo_image_surface_create(CAIRO_FORMAT_A8, W, H);
+  if (cairo_surface_status(mask) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(mask);
+    return;
+  }
+  cairo_t *m = cairo_create(mask);
+  PaintBuffer(m, buffer, x, y + dy, CAIRO_OPERATOR_SOURCE);
+  cairo_destroy(m);
+  cairo_surface_flush(mask);
+  BlurAlpha(cairo_image_surface_get_data(mask), cairo_image_surface_get_stride(mask), x0, y0, x1, y1,
+            radius);
+  cairo_surface_mark_dirty(mask);
+  cairo_t *cr = cairo_create(target);
+  cairo_set_source_rgba(cr, 0, 0, 0, kShadowOpacity);
+  cairo_mask_surface(cr, mask, 0, 0);
+  cairo_destroy(cr);
+  cairo_surface_destroy(mask);
+}
+
+struct Source {
+  NSWindow *window;
+  cairo_surface_t *buffer;
+  int width, height;  // pixels
+  NSRect bounds;      // window-server units
+  double scale;       // pixels per unit
+};
+
+bool IsFinite(CGRect r) {
+  return std::isfinite(r.origin.x) && std::isfinite(r.origin.y) && std::isfinite(r.size.width) &&
+         std::isfinite(r.size.height);
+}
+
+CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOption option) {
+  std::vector<Source> sources;
+  for (NSWindow *window in windows) {
+    if (![window isVisible]) {
+      continue;
+    }
+    Source s{window, nullptr, 0, 0, TVWindowServerBounds(window), 1};
+    s.buffer = TVWindowBackBuffer(window, &s.width, &s.height);
+    if (s.buffer == nullptr || s.bounds.size.width <= 0 || s.bounds.size.height <= 0) {
+      continue;
+    }
+    s.scale = s.width / s.bounds.size.width;
+    sources.push_back(s);
+  }
+  if (sources.empty()) {
+    return nullptr;
+  }
+  const bool framing = (option & kCGWindowImageBoundsIgnoreFraming) == 0;
+  // A null or infinite rect asks for all of the windows (with their
+  // shadows when framed).
+  CGRect area = screenBounds;
+  if (CGRectIsNull(area) || CGRectIsInfinite(area)) {
+    area = CGRectNull;
+    for (const Source &s : sources) {
+      CGRect r = s.bounds;
+      if (framing && [s.window hasShadow]) {
+        double reach = kShadowRadius + 1;
+        r = CGRectMake(r.origin.x - reach, r.origin.y - reach, r.size.width + 2 * reach,
+                       r.size.height + 2 * reach + kShadowOffset);
+      }
+      area = CGRectUnion(area, r);
+    }
+  } else if (!IsFinite(area) || area.size.width <= 0 || area.size.height <= 0) {
+    return nullptr;
+  }
+  // Without framing the picture is the windows' own area within the rect.
+  if (!framing) {
+    CGRect windowsArea = CGRectNull;
+    for (const Source &s : sources) windowsArea = CGRectUnion(windowsArea, s.bounds);
+    area = CGRectIntersection(area, windowsArea);
+    if (CGRectIsNull(area) || area.size.width <= 0 || area.size.height <= 0) {
+      return nullptr;
+    }
+  }
+  // Sized from the first (uppermost) window's backing: its pixels plus
+  // whole pixels of margin, never the rect times a scale.
+  const Source &first = sources.front();
+  const double scale = first.scale;
+  auto px = [scale](double units) { return (long)std::lround(units * scale); };
+  const long left = px(first.bounds.origin.x - area.origin.x);
+  const long top = px(first.bounds.origin.y - area.origin.y);
+  const long right = px(CGRectGetMaxX(area) - CGRectGetMaxX(first.bounds));
+  const long bottom = px(CGRectGetMaxY(area) - CGRectGetMaxY(first.bounds));
+  const long width = first.width + left + right, height = first.height + top + bottom;
+  if (width <= 0 || height <= 0 || width > 32767 || height > 32767) {
+    return nullptr;
+  }
+  const int stride = cairo_format_stride_for_width(CAIRO_FORMAT_ARGB32, (int)width);
+  std::vector<uint8_t> pixels((size_t)stride * height, 0);
+  cairo_surface_t *target = cairo_image_surface_create_for_data(
+      pixels.data(), CAIRO_FORMAT_ARGB32, (int)width, (int)height, stride);
+  if (cairo_surface_status(target) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(target);
+    return nullptr;
+  }
+  // Back to front: the array's first window ends up on top.
+  for (auto s = sources.rbegin(); s != sources.rend(); ++s) {
+    const int x = (int)(left + px(s->bounds.origin.x - first.bounds.origin.x));
+    const int y = (int)(top + px(s->bounds.origin.y - first.bounds.origin.y));
+    if (framing && [s->window hasShadow]) {
+      PaintShadow(target, s->buffer, x, y, s->width, s->height, s->scale);
+    }
+    cairo_t *cr = cairo_create(target);
+    // A lone window is copied as it is; later ones go over what lies below.
+    PaintBuffer(cr, s->buffer, x, y,
+                sources.size() == 1 && !(framing && [s->window hasShadow]) ? CAIRO_OPERATOR_SOURCE
+                                                                           : CAIRO_OPERATOR_OVER);
+    cairo_destroy(cr);
+  }
+  cairo_surface_flush(target);
+  cairo_surface_destroy(target);
+  q::PixelFormat format;
+  format.width = (size_t)width;
+  format.height = (size_t)height;
+  format.bitsPerComponent = 8;
+  format.bitsPerPixel = 32;
+  format.bytesPerRow = (size_t)stride;
+  format.bitmapInfo = kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little;
+  return TVCGImageCreateWithImage(q::Image::create(format, std::move(pixels)));
+}
+
+#pragma mark - Dictionary representations
+
+NSDictionary *CreateNumbers(NSString *const *keys, const CGFloat *values, int count) {
+  id objects[4];
+  for (int i = 0; i < count; i++) objects[i] = [NSNumber numberWithDouble:values[i]];
+  return [[NSDictionary alloc] initWithObjects:objects forKeys:keys count:count];
+}
+
+bool ReadNumbers(CFDictionaryRef dict, NSString *const *keys, CGFloat *values, int count) {
+  id object = (id)dict;
+  if (object == nil || ![object isKindOfClass:[NSDictionary class]]) {
+    return false;
+  }
+  CGFloat read[4];
+  for (int i = 0; i < count; i++) {
+    id value = [object objectForKey:keys[i]];
+    if (![value isKindOfClass:[NSNumber class]]) {
+      return false;
+    }
+    read[i] = [value doubleValue];
+  }
+  std::copy(read, read + count, values);
+  return true;
+}
+
+NSString *const kRectKeys[] = {@"X", @"Y", @"Width", @"Height"};
+
+}  // namespace
+
+#pragma mark - Public
+
+CFArrayRef CGWindowListCreate(CGWindowListOption option, CGWindowID relativeToWindow) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  NSMutableArray *numbers = [[NSMutableArray alloc] init];
+  @try {
+    for (NSWindow *window in ListedWindows(option, relativeToWindow)) {
+      [numbers addObject:[NSNumber numberWithUnsignedInt:(unsigned)[window windowNumber]]];
+    }
+  } @catch (NSException *exception) {
+  }
+  [pool drain];
+  return (CFArrayRef)numbers;
+}
+
+CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption option, CGWindowID relativeToWindow) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  NSMutableArray *descriptions = [[NSMutableArray alloc] init];
+  @try {
+    for (NSWindow *window in ListedWindows(option, relativeToWindow)) {
+      [descriptions addObject:Describe(window)];
+    }
+  } @catch (NSException *exception) {
+  }
+  [pool drain];
+  return (CFArrayRef)descriptions;
+}
+
+CFArrayRef CGWindowListCreateDescriptionFromArray(CFArrayRef windowArray) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  NSMutableArray *descriptions = nil;
+  @try {
+    NSArray *windows = WindowsOfArray(windowArray);
+    if (windows != nil) {
+      descriptions = [[NSMutableArray alloc] initWithCapacity:[windows count]];
+      for (NSWindow *window in windows) {
+        [descriptions addObject:Describe(window)];
+      }
+    }
+  } @catch (NSException *exception) {
+  }
+  [pool drain];
+  return (CFArrayRef)descriptions;
+}
+
+CGImageRef CGWindowListCreateImageFromArray(CGRect screenBounds, CFArrayRef windowArray,
+                                            CGWindowImageOption imageOption) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  CGImageRef image = nullptr;
+  @try {
+    NSArray *windows = WindowsOfArray(windowArray);
+    if ([windows count] > 0) {
+      image = CreateImage(screenBounds, windows, imageOption);
+    }
+  } @catch (NSException *exception) {
+    image = nullptr;
+  }
+  [pool drain];
+  return image;
+}
+
+CGImageRef CGWindowListCreateImage(CGRect screenBounds, CGWindowListOption listOption,
+                                   CGWindowID windowID, CGWindowImageOption imageOption) {
+  CFArrayRef windows = CGWindowListCreate(listOption, windowID);
+  CGImageRef image = CGWindowListCreateImageFromArray(screenBounds, windows, imageOption);
+  if (windows != NULL) {
+    CFRelease(windows);
+  }
+  return image;
+}
+
+CFDictionaryRef CGRectCreateDictionaryRepresentation(CGRect rect) {
+  CGFloat values[] = {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+  return (CFDictionaryRef)CreateNumbers(kRectKeys, values, 4);
+}
+
+bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dict, CGRect *rect) {
+  CGFloat values[4];
+  if (rect == NULL || !ReadNumbers(dict, kRectKeys, values, 4)) {
+    return false;
+  }
+  *rect = CGRectMake(values[0], values[1], values[2], values[3]);
+  return true;
+}
+
+CFDictionaryRef CGPointCreateDictionaryRepresentation(CGPoint point) {
+  CGFloat values[] = {point.x, point.y};
+  return (CFDictionaryRef)CreateNumbers(kRectKeys, values, 2);
+}
+
+bool CGPointMakeWithDictionaryRepresentation(CFDictionaryRef dict, CGPoint *point) {
+  CGFloat values[2];
+  if (point == NULL || !ReadNumbers(dict, kRectKeys, values, 2)) {
+    return false;
+  }
+  *point = CGPointMake(values[0], values[1]);
+  return true;
+}
+
+CFDictionaryRef CGSizeCreateDictionaryRepresentation(CGSize size) {
+  CGFloat values[] = {size.width, size.height};
+  return (CFDictionaryRef)CreateNumbers(kRectKeys + 2, values, 2);
+}
+
+bool CGSizeMakeWithDictionaryRepresentation(CFDictionaryRef dict, CGSize *size) {
+  CGFloat values[2];
+  if (size == NULL || !ReadNumbers(dict, kRectKeys + 2, values, 2)) {
+    return false;
+  }
+  *size = CGSizeMake(values[0], values[1]);
+  return true;
+}
