@@ -20,16 +20,16 @@
 - (void)drawArrow:(NSScrollerArrow)whichArrow highlight:(BOOL)flag {
 }
 
-- (NSInteger)knobStyle {
-  return 2;  // NSScrollerKnobStyleLight
+- (NSScrollerKnobStyle)knobStyle {
+  return NSScrollerKnobStyleLight;
 }
 
 + (BOOL)isCompatibleWithOverlayScrollers {
   return YES;
 }
 
-+ (NSInteger)preferredScrollerStyle {
-  return 1;  // NSScrollerStyleOverlay
++ (NSScrollerStyle)preferredScrollerStyle {
+  return NSScrollerStyleOverlay;
 }
 
 @end

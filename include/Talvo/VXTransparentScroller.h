@@ -12,12 +12,12 @@ NS_ASSUME_NONNULL_BEGIN
 - (void)drawKnobSlotInRect:(NSRect)slotRect highlight:(BOOL)flag;
 /** Nothing. */
 - (void)drawArrow:(NSScrollerArrow)whichArrow highlight:(BOOL)flag;
-/** 2, the light knob, whatever was set. */
-- (NSInteger)knobStyle;
+/** NSScrollerKnobStyleLight, whatever was set. */
+- (NSScrollerKnobStyle)knobStyle;
 /** YES. */
 + (BOOL)isCompatibleWithOverlayScrollers;
-/** 1, overlay scrollers. */
-+ (NSInteger)preferredScrollerStyle;
+/** NSScrollerStyleOverlay. */
++ (NSScrollerStyle)preferredScrollerStyle;
 
 @end
 
