@@ -178,6 +178,46 @@ TEST_F(GradientCellDrawerTest, SmallFrameShrinksTheIconInProportion) {
   EXPECT_PIXEL(RepPixel(rep, 10, 14), 255, 255, 255, 255);
 }
 
+TEST_F(GradientCellDrawerTest, IconIsUprightInAFlippedControlView) {
+  NSWindow *window = Window(NSMakeRect(100, 100, 40, 40));
+  VXGradientCellDrawer *drawer = [[[VXGradientCellDrawer alloc] init] autorelease];
+  [drawer setGradient:SolidGradient([NSColor blackColor])];
+  [drawer setEnabledDrawing:YES];
+  [drawer setMainWindowDrawing:YES];
+  [drawer setLightShadowOpacity:0];
+  [drawer setInnerShadowRadius:0];
+  // A 20 x 20 icon whose upper half only is opaque.
+  NSImage *icon = [[[NSImage alloc] initWithSize:NSMakeSize(20, 20)] autorelease];
+  [icon lockFocus];
+  [[NSColor blackColor] set];
+  NSRectFill(NSMakeRect(0, 10, 20, 10));
+  [icon unlockFocus];
+  TVDrawingView *view = [[[TVDrawingView alloc]
+      initWithFrame:NSMakeRect(0, 0, 40, 40)
+            flipped:YES
+            drawing:^(NSView *v, NSRect dirty) {
+              [drawer drawImage:icon inFrame:[v bounds]];
+            }] autorelease];
+  [[window contentView] addSubview:view];
+  Owned<NSBitmapImageRep> rep(NewViewSnapshot(view));
+  // On screen the opaque half is on top: y 20 ... 29 from the bottom.
+  EXPECT_PIXEL(RepPixel(rep, 20, 25), 0, 0, 0, 255);
+  EXPECT_PIXEL(RepPixel(rep, 20, 14), 255, 255, 255, 255);
+}
+
+TEST_F(GradientCellDrawerTest, BitmapsAtTwiceTheScaleGiveTheSamePicture) {
+  DrawerFlags f;
+  f.radius = 2.0;
+  Owned<NSBitmapImageRep> one(Draw(f));
+  [NSScreen talvo_setBackingScaleFactorOverride:2.0];
+  Owned<NSBitmapImageRep> two(Draw(f));
+  [NSScreen talvo_setBackingScaleFactorOverride:0];
+  for (int x = 8; x < 32; x += 3) {
+    EXPECT_TRUE(PixelNear(RepPixel(two, x, 20), RepPixel(one, x, 20), 40)) << x;
+  }
+  EXPECT_PIXEL(RepPixel(two, 20, 20), 255, 0, 0, 255);
+}
+
 TEST_F(GradientCellDrawerTest, BadInputDrawsNothingAndNeverRaises) {
   NSWindow *window = Window(NSMakeRect(100, 100, 40, 40));
   VXGradientCellDrawer *drawer = [[[VXGradientCellDrawer alloc] init] autorelease];

@@ -5,6 +5,7 @@
 
 #import "controls/ControlsTestSupport.h"
 #import "controls/VXPopoverViewsSegmentedControl+Private.h"
+#import "platform/CellTestSupport.h"
 
 namespace {
 
@@ -205,18 +206,7 @@ TEST_F(PopoverSegmentedControlTest, ClickingAnotherSegmentShowsItsView) {
   NSView *first = [control_ accessoryViewForSegment:0];
   EXPECT_EQ([first window], [control_ _popoverWindow]);
   // The second segment's centre in the control: 60 + 35.
-  NSPoint inWindow = [control_ convertPoint:NSMakePoint(95, 12) toView:nil];
-  NSEvent *up = [NSEvent mouseEventWithType:NSLeftMouseUp
-                                   location:inWindow
-                              modifierFlags:0
-                                  timestamp:0
-                               windowNumber:[window_ windowNumber]
-                                    context:nil
-                                eventNumber:0
-                                 clickCount:1
-                                   pressure:1];
-  [NSApp postEvent:up atStart:NO];
-  Click(window_, inWindow);
+  ::Click(control_, NSMakePoint(95, 12));
   Advance(1.0);
   Pump(0.3);
   EXPECT_EQ([control_ selectedSegment], 1);

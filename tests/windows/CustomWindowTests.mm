@@ -209,7 +209,7 @@ TEST_F(CustomWindow, VisualEffectWindowNewerLookIsAVibrantEffectView) {
     EXPECT_EQ([effect state], 1);
   }
   if ([effect respondsToSelector:@selector(appearance)]) {
-    EXPECT_NSEQ([(id)[(id)effect appearance] name], NSAppearanceNameVibrantDark);
+    EXPECT_NSEQ([(id)[(NSView *)effect appearance] name], NSAppearanceNameVibrantDark);
   }
   EXPECT_NSEQ([window backgroundColor], [NSColor colorWithCalibratedWhite:0.12 alpha:1.0]);
 }
