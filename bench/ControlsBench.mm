@@ -8,14 +8,33 @@
 
 namespace {
 
+// An 18 x 18 black disc on clear, a bitmap as template images loaded from
+// files are (not a window-server cache, whose pixels take a round trip).
 NSImage *Icon() {
   static NSImage *icon = nil;
   if (icon == nil) {
+    NSBitmapImageRep *rep = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                                                    pixelsWide:18
+                                                                    pixelsHigh:18
+                                                                 bitsPerSample:8
+                                                               samplesPerPixel:4
+                                                                      hasAlpha:YES
+                                                                      isPlanar:NO
+                                                                colorSpaceName:NSDeviceRGBColorSpace
+                                                                   bytesPerRow:18 * 4
+                                                                  bitsPerPixel:32];
+    unsigned char *data = [rep bitmapData];
+    for (int y = 0; y < 18; ++y) {
+      for (int x = 0; x < 18; ++x) {
+        double dx = x + 0.5 - 9, dy = y + 0.5 - 9;
+        unsigned char *p = data + y * 18 * 4 + x * 4;
+        p[0] = p[1] = p[2] = 0;
+        p[3] = dx * dx + dy * dy <= 64 ? 255 : 0;
+      }
+    }
     icon = [[NSImage alloc] initWithSize:NSMakeSize(18, 18)];
-    [icon lockFocus];
-    [[NSColor blackColor] set];
-    [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(1, 1, 16, 16)] fill];
-    [icon unlockFocus];
+    [icon addRepresentation:rep];
+    [rep release];
   }
   return icon;
 }
@@ -69,6 +88,49 @@ void BM_GradientCellDraw(benchmark::State &state) {
   [pool drain];
 }
 BENCHMARK(BM_GradientCellDraw)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
+
+// The drawer's parts alone, in the same focused view: the icon's raster
+// (range 0 = 0), one offscreen bitmap (1), a mask over it (2).
+void BM_GradientCellParts(benchmark::State &state) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  NSWindow *window = NewWindow(NSMakeRect(100, 100, 60, 40));
+  NSView *view = [window contentView];
+  [window orderFront:nil];
+  NSImage *icon = Icon();
+  [view lockFocus];
+  NSGraphicsContext *graphics = [NSGraphicsContext currentContext];
+  NSRect proposed = NSMakeRect(0, 0, 18, 18);
+  CGImageRef raster = CGImageRetain([icon CGImageForProposedRect:&proposed context:graphics hints:nil]);
+  for (auto _ : state) {
+    NSAutoreleasePool *inner = [NSAutoreleasePool new];
+    if (state.range(0) == 0) {
+      benchmark::DoNotOptimize([icon CGImageForProposedRect:&proposed context:graphics hints:nil]);
+    } else {
+      CGImageRef image = CGCreateImageWithDrawingBlock(
+          ^(CGContextRef c) {
+            CGContextSetRGBFillColor(c, 1, 1, 1, 1);
+            CGContextFillRect(c, CGRectMake(0, 0, 22, 22));
+            CGContextDrawImage(c, CGRectMake(2, 2, 18, 18), raster);
+          },
+          CGRectMake(0, 0, 22, 22));
+      if (state.range(0) == 2 && image != NULL) {
+        CGImageRef mask = CGImageMaskCreate(
+            CGImageGetWidth(image), CGImageGetHeight(image), CGImageGetBitsPerComponent(image),
+            CGImageGetBitsPerPixel(image), CGImageGetBytesPerRow(image),
+            CGImageGetDataProvider(image), NULL, false);
+        CGImageRelease(mask);
+      }
+      CGImageRelease(image);
+    }
+    [inner drain];
+  }
+  CGImageRelease(raster);
+  [view unlockFocus];
+  [window close];
+  [window release];
+  [pool drain];
+}
+BENCHMARK(BM_GradientCellParts)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
 
 // A key window of 50 gradient buttons (10 x 5), every one redrawn.
 void BM_FiftyGradientButtonsRedrawn(benchmark::State &state) {

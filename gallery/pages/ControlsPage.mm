@@ -110,7 +110,7 @@ static const int kStates = 7;
 }
 
 - (void)addLabel:(NSString *)text at:(NSPoint)point to:(NSView *)page {
-  [page addSubview:GalleryLabel(text, NSMakeRect(point.x, point.y, 300, 17))];
+  [page addSubview:GalleryLabel(text, NSMakeRect(point.x, point.y, 680 - point.x, 17))];
 }
 
 - (NSView *)makeViewWithFrame:(NSRect)frame {
