@@ -14,3 +14,7 @@ flags=$(pkg-config --cflags --libs talvo)
 # shellcheck disable=SC2086
 clang -o "$work/consumer" "$source" $flags
 "$work/consumer"
+# The framework's resources are found from the installed library.
+# shellcheck disable=SC2086
+clang -o "$work/resources" "$(dirname "$0")/resources.m" $flags
+"$work/resources"

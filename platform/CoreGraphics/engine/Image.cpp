@@ -152,6 +152,43 @@ Image* Image::create(const PixelFormat& format, std::vector<uint8_t>&& bytes,
     return new (std::nothrow) Image(format, std::move(bytes), false, shouldInterpolate);
 }
 
+// A mask over whole pixels of a bitmap (grey + alpha, RGB, or RGBA/RGBX
+// with the colour in the first three bytes, as bitmap contexts lay them
+// out): each pixel's grey level becomes its one 8-bit sample.
+Image* Image::createMaskFromPixels(const PixelFormat& source, const uint8_t* bytes, size_t length,
+                                   bool shouldInterpolate) {
+    size_t bpp = source.bitsPerPixel / 8, w = source.width, h = source.height;
+    size_t rowBytes;
+    if (w == 0 || h == 0 || w > (1u << 24) || h > (1u << 24)) return nullptr;
+    if (!checkedMul(w, bpp, &rowBytes) || source.bytesPerRow < rowBytes) return nullptr;
+    size_t needed;
+    if (!checkedMul(h - 1, source.bytesPerRow, &needed) || needed > SIZE_MAX - rowBytes) {
+        return nullptr;
+    }
+    if (length < needed + rowBytes) return nullptr;
+    PixelFormat f = source;
+    f.bitsPerPixel = 8;
+    f.bytesPerRow = w;
+    try {
+        std::vector<uint8_t> grey(w * h);
+        for (size_t y = 0; y < h; ++y) {
+            const uint8_t* in = bytes + y * source.bytesPerRow;
+            uint8_t* out = grey.data() + y * w;
+            for (size_t x = 0; x < w; ++x, in += bpp) {
+                if (bpp == 2) {
+                    out[x] = in[0];
+                } else {
+                    unsigned v = (299u * in[0] + 587u * in[1] + 114u * in[2] + 500u) / 1000u;
+                    out[x] = static_cast<uint8_t>(v);
+                }
+            }
+        }
+        return new Image(f, std::move(grey), true, shouldInterpolate);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 Image* Image::createMask(size_t width, size_t height, size_t bpc, size_t bpp, size_t bytesPerRow,
                          const void* bytes, size_t length, bool shouldInterpolate) {
     PixelFormat f;
@@ -162,6 +199,10 @@ Image* Image::createMask(size_t width, size_t height, size_t bpc, size_t bpp, si
     f.bytesPerRow = bytesPerRow;
     f.model = ColorModel::Gray;
     f.bitmapInfo = static_cast<uint32_t>(AlphaInfo::None);
+    if (bytes && bpc == 8 && (bpp == 16 || bpp == 24 || bpp == 32)) {
+        return createMaskFromPixels(f, static_cast<const uint8_t*>(bytes), length,
+                                    shouldInterpolate);
+    }
     if (!bytes || !validate(f, true) || length < f.minimumLength()) return nullptr;
     try {
         size_t keep = std::min(length, f.fullLength());

@@ -6,7 +6,8 @@
 //   Gray: 1, 2, 4, 8 or 16 bits per component without alpha; 8 or 16 bits
 //         with an alpha (or skipped) slot.
 //   Alpha only (AlphaInfo::Only): 8 bits, drawn as black with that alpha.
-//   Image masks: 1, 2, 4 or 8 bits per sample.
+//   Image masks: 1, 2, 4 or 8 bits per sample; 8-bit pixels of 16, 24 or
+//   32 bits are reduced to their grey level.
 // 16-bit samples are converted to 8 bits when the image is first drawn.
 // Byte orders: default and 32Big/16Big read components in memory order;
 // 32Little (32 bpp, 8-bit) reverses each pixel's four bytes; 16Little reads
@@ -87,7 +88,9 @@ public:
     static Image* create(const PixelFormat& format, std::vector<uint8_t>&& bytes,
                          bool shouldInterpolate = true);
     // An image mask (CGImageMaskCreate): samples of 1 (white) keep paint
-    // out, 0 lets it in.
+    // out, 0 lets it in. 8-bit samples in 16, 24 or 32-bit pixels (grey +
+    // alpha, RGB, RGBA/RGBX) are taken as whole pixels: the grey level of
+    // each (its first byte, or the luminance of its first three) decides.
     static Image* createMask(size_t width, size_t height, size_t bitsPerComponent,
                              size_t bitsPerPixel, size_t bytesPerRow, const void* bytes,
                              size_t length, bool shouldInterpolate = true);
@@ -135,6 +138,8 @@ private:
     ~Image();
 
     static bool validate(const PixelFormat& f, bool mask);
+    static Image* createMaskFromPixels(const PixelFormat& source, const uint8_t* bytes,
+                                       size_t length, bool shouldInterpolate);
     // Sample `slot` of pixel (x, y) scaled to 0...255.
     unsigned sample(size_t x, size_t y, size_t slot) const;
 

@@ -24,3 +24,7 @@
 #import <AppKit/NSWindow+TalvoPlatform.h>
 #import <AppKit/NSAppearance+TalvoPlatform.h>
 #import <AppKit/NSVisualEffectView.h>
+#import <AppKit/NSView+TalvoTracking.h>
+#import <AppKit/NSTableRowView.h>
+#import <AppKit/NSImage+TalvoTemplate.h>
+#import <AppKit/NSBundle+TalvoImages.h>

@@ -1,0 +1,63 @@
+// Template images: GNUstep's NSImage has no spare field for the mark, so a
+// set of marked images is kept beside it, cleared when an image goes and
+// carried over by copies.
+
+#import <AppKit/AppKit.h>
+
+#import "platform/objc/TVRuntime.h"
+
+#include <unordered_set>
+
+#if __has_feature(objc_arc)
+#error "This file is manual reference counting only."
+#endif
+
+// Marked images (not retained). Main thread only, as NSImage drawing is.
+static std::unordered_set<NSImage *> templateImages;
+
+static void (*originalImageDealloc)(id, SEL) = NULL;
+static id (*originalImageCopy)(id, SEL, NSZone *) = NULL;
+
+static void TVImageDealloc(NSImage *image, SEL selector) {
+  templateImages.erase(image);
+  originalImageDealloc(image, selector);
+}
+
+static id TVImageCopy(NSImage *image, SEL selector, NSZone *zone) {
+  id copy = originalImageCopy(image, selector, zone);
+  if (copy != nil && templateImages.count(image) != 0) {
+    templateImages.insert(copy);
+  }
+  return copy;
+}
+
+@interface _TVTemplateImageInstaller : NSObject
+@end
+
+@implementation _TVTemplateImageInstaller
++ (void)load {
+  // By name: messaging the class here would run its +initialize before any
+  // autorelease pool exists.
+  Class image = objc_getClass("NSImage");
+  originalImageDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
+      image, @selector(dealloc), (IMP)TVImageDealloc);
+  originalImageCopy = (id(*)(id, SEL, NSZone *))TVReplaceInstanceMethod(
+      image, @selector(copyWithZone:), (IMP)TVImageCopy);
+}
+@end
+
+@implementation NSImage (TalvoTemplate)
+
+- (BOOL)isTemplate {
+  return templateImages.count(self) != 0;
+}
+
+- (void)setTemplate:(BOOL)isTemplate {
+  if (isTemplate) {
+    templateImages.insert(self);
+  } else {
+    templateImages.erase(self);
+  }
+}
+
+@end

@@ -1,0 +1,27 @@
+/*
+ * Template images for GNUstep 0.29, which has no such flag.
+ *
+ * `template` is a mark that controls read to decide how they draw an image
+ * (a template is a black-and-clear shape to be tinted); the image itself
+ * draws unchanged, as on macOS. The mark is kept by copy and by
+ * copyWithZone:, and by images loaded through -[NSBundle imageForResource:]
+ * from a file whose name ends in "Template". Not covered: keyed archiving
+ * of the mark.
+ */
+#ifndef TALVO_PLATFORM_NSIMAGE_TEMPLATE_H
+#define TALVO_PLATFORM_NSIMAGE_TEMPLATE_H
+
+#import <AppKit/NSImage.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSImage (TalvoTemplate)
+
+- (BOOL)isTemplate;
+- (void)setTemplate:(BOOL)isTemplate;
+
+@end
+
+NS_ASSUME_NONNULL_END
+
+#endif

@@ -1,0 +1,106 @@
+/*
+ * NSTableRowView for GNUstep 0.29, whose tables are cell-based and have no
+ * row views.
+ *
+ * A table whose delegate answers tableView:rowViewForRow: keeps one row
+ * view per visible row: asked for when the row first shows (a nil answer
+ * gives a plain NSTableRowView), placed over rectOfRow: as a subview of
+ * the table, and dropped when the row scrolls out of sight or the table
+ * reloads. The table draws each row view under its row's cells, in place of
+ * its own selection fill, and keeps `selected` in step with its selection
+ * (row views of newly selected rows get setSelected:YES when the selection
+ * changes, by code or by the mouse). Tables whose delegate does not answer
+ * the method draw as before and have no row views.
+ *
+ * Row views draw only through the table: setNeedsDisplay: on one asks the
+ * table to redraw the row. They take no mouse events (hitTest: answers nil;
+ * clicks reach the table). Not covered: view-based tables (cell views
+ * inside row views), group rows, floating rows, drag-and-drop feedback,
+ * row actions, row views of rows that are not visible.
+ */
+#ifndef TALVO_PLATFORM_NSTABLEROWVIEW_H
+#define TALVO_PLATFORM_NSTABLEROWVIEW_H
+
+#import <AppKit/NSCell.h>
+#import <AppKit/NSTableView.h>
+#import <AppKit/NSView.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@class NSColor;
+
+@interface NSTableRowView : NSView {
+ @private
+  NSColor *_backgroundColor;
+  NSTableViewSelectionHighlightStyle _selectionHighlightStyle;
+  BOOL _selected;
+  BOOL _emphasized;
+  BOOL _groupRowStyle;
+  BOOL _nextRowSelected;
+  BOOL _previousRowSelected;
+}
+
+/** Whether the row is selected; the table sets it. Setting it redraws. */
+@property(nonatomic, assign, getter=isSelected) BOOL selected;
+
+/** Whether the selection draws in the emphasized colour. YES for a new
+ * row view; the table leaves it as it is. */
+@property(nonatomic, assign, getter=isEmphasized) BOOL emphasized;
+
+/** The table's selection style, copied when the row view is placed. None
+ * draws no selection. */
+@property(nonatomic, assign) NSTableViewSelectionHighlightStyle selectionHighlightStyle;
+
+@property(nonatomic, assign, getter=isGroupRowStyle) BOOL groupRowStyle;
+@property(nonatomic, assign, getter=isNextRowSelected) BOOL nextRowSelected;
+@property(nonatomic, assign, getter=isPreviousRowSelected) BOOL previousRowSelected;
+
+/** Filled by drawBackgroundInRect:; the table sets its own background
+ * colour when it places the row view. nil fills nothing. */
+@property(nonatomic, copy, nullable) NSColor *backgroundColor;
+
+/** NSBackgroundStyleDark while selected and emphasized, else Light. */
+- (NSBackgroundStyle)interiorBackgroundStyle;
+
+/** Fills `dirtyRect` with backgroundColor (when set). */
+- (void)drawBackgroundInRect:(NSRect)dirtyRect;
+
+/** Fills the bounds (within `dirtyRect`) with the selection colour:
+ * selectedControlColor (the colour of GNUstep's own table selection) when
+ * emphasized, else secondarySelectedControlColor. Called by drawRect: only while selected
+ * and the highlight style is not None. */
+- (void)drawSelectionInRect:(NSRect)dirtyRect;
+
+/** Draws nothing (no grid lines between row views). */
+- (void)drawSeparatorInRect:(NSRect)dirtyRect;
+
+@end
+
+@interface NSTableView (TalvoRowViews)
+
+/** The row view of `row`: the one the table holds, else (with
+ * `makeIfNecessary`) a new one for a valid row when the delegate answers
+ * tableView:rowViewForRow:, else nil. */
+- (nullable NSTableRowView *)rowViewAtRow:(NSInteger)row makeIfNecessary:(BOOL)makeIfNecessary;
+
+/** Calls `handler` for each row view the table holds, by row. */
+- (void)enumerateAvailableRowViewsUsingBlock:(void (^)(NSTableRowView *rowView,
+                                                       NSInteger row))handler;
+
+@end
+
+/** The delegate method a table asks for its row views (part of Apple's
+ * NSTableViewDelegate; declared here so that delegates can be asked). */
+@interface NSObject (TalvoTableRowViewDelegate)
+- (nullable NSTableRowView *)tableView:(NSTableView *)tableView rowViewForRow:(NSInteger)row;
+- (void)tableView:(NSTableView *)tableView
+    didAddRowView:(NSTableRowView *)rowView
+           forRow:(NSInteger)row;
+- (void)tableView:(NSTableView *)tableView
+    didRemoveRowView:(NSTableRowView *)rowView
+              forRow:(NSInteger)row;
+@end
+
+NS_ASSUME_NONNULL_END
+
+#endif
