@@ -2,6 +2,7 @@
 
 #import "gallery/pages/BindingsPage.h"
 #import "gallery/pages/ColorsPage.h"
+#import "gallery/pages/ControlsPage.h"
 #import "gallery/pages/PopoverPage.h"
 #import "gallery/pages/ImagesPage.h"
 #import "gallery/pages/ImageLoadingPage.h"
@@ -45,6 +46,7 @@ NSArray *GalleryAllPages(void) {
                                    [[ImageLoadingPage new] autorelease],
                                    [[ColorsPage new] autorelease],
                                    [[PopoverPage new] autorelease],
+                                   [[ControlsPage new] autorelease],
                                    [[BindingsPage new] autorelease],
                                    [[WindowsPage new] autorelease], nil];
 }

@@ -58,7 +58,20 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/NSImage+FileSize.h>
 
 // Controls and cells
+#import <Talvo/VXGradientCellDrawer.h>
+#import <Talvo/VXGradientButtonCell.h>
+#import <Talvo/VXGradientPopUpButtonCell.h>
+#import <Talvo/VXTabBarButtonCell.h>
 #import <Talvo/VXPopoverShape.h>
+#import <Talvo/VXPopoverViewsSegmentedControl.h>
+#import <Talvo/VXFlatSliderCell.h>
+#import <Talvo/VXButtonCell.h>
+#import <Talvo/VXButton.h>
+#import <Talvo/VXAnimatedButton.h>
+#import <Talvo/VXMatteColorWell.h>
+#import <Talvo/VXVerticallyCenteredTextFieldCell.h>
+#import <Talvo/VXMaskImageView.h>
+#import <Talvo/VXTransparentScroller.h>
 
 // Bindings, transformers and collection utilities
 #import <Talvo/VXObservationCenter.h>

@@ -206,7 +206,7 @@ TEST_F(CustomWindow, VisualEffectWindowNewerLookIsAVibrantEffectView) {
   EXPECT_EQ([effect material], 0);
   EXPECT_EQ([effect blendingMode], 0);
   EXPECT_EQ([effect state], 1);
-  EXPECT_NSEQ([[effect appearance] name], NSAppearanceNameVibrantDark);
+  EXPECT_NSEQ([(id)[(NSView *)effect appearance] name], NSAppearanceNameVibrantDark);
   // The window's own drawRect: adds nothing; the effect view fills it with
   // a dark, opaque material.
   [window orderFront:nil];

@@ -26,6 +26,8 @@
 #import <AppKit/NSPasteboard+TalvoPlatform.h>
 #import <AppKit/NSImage+TalvoImageTypes.h>
 #import <Foundation/NSFileManager+TalvoPlatform.h>
+#import <AppKit/NSCell+TalvoPlatform.h>
+#import <AppKit/NSScroller+TalvoPlatform.h>
 #import <AppKit/NSView+TalvoTracking.h>
 #import <AppKit/NSTableRowView.h>
 #import <AppKit/NSImage+TalvoTemplate.h>
