@@ -1,6 +1,5 @@
 // Named appearances and their inheritance. GNUstep 0.29's NSAppearance
-// hands out its appearances +1, never allows vibrancy, matches and
-// archives nothing, and nothing asks views or windows for one. Here the
+// hands out its appearances +1, never allows vibrancy, matches nothing, and nothing asks views or windows for one. Here the
 // appearances are autoreleased and know their kind, and views, windows and
 // the application carry an appearance that their descendants inherit.
 // While a view draws, the current appearance is the view's effective one.
@@ -65,27 +64,6 @@ NSString *TVBestMatch(NSAppearance *self, SEL selector, NSArray *names) {
     }
   }
   return found;
-}
-
-// Appearances archive their name (keyed under "NSAppearanceName", as
-// interface files write it); GNUstep writes and reads nothing.
-void TVEncodeAppearance(NSAppearance *self, SEL selector, NSCoder *coder) {
-  if ([coder allowsKeyedCoding]) {
-    [coder encodeObject:[self name] forKey:@"NSAppearanceName"];
-  } else {
-    [coder encodeObject:[self name]];
-  }
-}
-
-id TVDecodeAppearance(NSAppearance *self, SEL selector, NSCoder *coder) {
-  NSString *name = nil;
-  @try {
-    name = [coder allowsKeyedCoding] ? [coder decodeObjectForKey:@"NSAppearanceName"] : [coder decodeObject];
-  } @catch (NSException *exception) {
-    name = nil;
-  }
-  return [self initWithAppearanceNamed:([name isKindOfClass:[NSString class]] ? name : NSAppearanceNameAqua)
-                                bundle:nil];
 }
 
 id (*originalInitWithName)(id, SEL, NSString *, NSBundle *) = NULL;
@@ -195,8 +173,6 @@ NSAppearanceName const NSAppearanceNameAccessibilityHighContrastVibrantDark =
   originalDisplayRect = (void (*)(id, SEL, NSRect, NSGraphicsContext *))TVReplaceInstanceMethod(
       [NSView class], @selector(displayRectIgnoringOpacity:inContext:), (IMP)TVDisplayRect);
   TVReplaceInstanceMethod(self, @selector(bestMatchFromAppearancesWithNames:), (IMP)TVBestMatch);
-  TVReplaceInstanceMethod(self, @selector(encodeWithCoder:), (IMP)TVEncodeAppearance);
-  TVReplaceInstanceMethod(self, @selector(initWithCoder:), (IMP)TVDecodeAppearance);
 }
 
 - (BOOL)talvo_isDark {
