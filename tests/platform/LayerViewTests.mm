@@ -351,6 +351,7 @@ TEST_F(LayerView, BadInputDrawsNothingAndNeverRaises) {
   EXPECT_NO_THROW(Grab());
   EXPECT_PIXEL(At(30, 30), 255, 255, 255, 255);
   EXPECT_PIXEL(At(101, 21), 255, 255, 255, 255);
+  EXPECT_FALSE([window_ viewsNeedDisplay]) << "drawing a NaN opacity marks nothing again";
   EXPECT_TRUE([[view layer] isKindOfClass:[CALayer class]]);
 
   // A layer given by hand is the one shown.

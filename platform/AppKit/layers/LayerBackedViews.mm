@@ -71,10 +71,14 @@ cairo_t **StoredCairoSlot(NSWindow *window) {
 // The layer a view shows: only with wantsLayer (made on first use, as
 // AppKit makes it), its geometry brought up to date with the view (a layer
 // hidden by hand stays hidden).
+int syncingLayer = 0;  // bringing a layer up to date marks nothing for display
+
 CALayer *ShownLayer(NSView *view) {
   if (![view wantsLayer]) return nil;
   BOOL hidden = [TVViewExistingLayer(view) isHidden];
+  syncingLayer++;
   CALayer *layer = [view layer];
+  syncingLayer--;
   if (hidden) [layer setHidden:YES];
   return layer;
 }
@@ -308,6 +312,7 @@ void HSetAlphaValue(NSView *self, SEL s, CGFloat alpha) {
 
 // Something in the view's layer tree changed how it looks.
 - (void)_tv_layerNeedsDisplay:(CALayer *)layer {
+  if (syncingLayer > 0) return;
   // The backing layer's opacity set directly is the view's alphaValue too.
   CALayer *own = TVViewExistingLayer(self);
   if (layer == own && std::isfinite([own opacity]) && float([self alphaValue]) != [own opacity]) {
