@@ -202,6 +202,7 @@ int ValueComponents(id value, double out[4]) {
     _actions = [other->_actions copy];
     _undeclaredValues = [other->_undeclaredValues mutableCopy];
     _backgroundColor = CGColorRetain(other->_backgroundColor);
+    _contentsImage = CGImageRetain(other->_contentsImage);
     [_contentsGravity release];
     _contentsGravity = [other->_contentsGravity copy];
     _masksToBounds = other->_masksToBounds;
@@ -220,6 +221,7 @@ int ValueComponents(id value, double out[4]) {
   for (CALayer *sublayer in _sublayers) {
     sublayer->_superlayer = nil;
   }
+  CGImageRelease(_contentsImage);
   [_contentsGravity release];
   CGColorRelease(_backgroundColor);
   [_modelLayer release];
@@ -290,6 +292,8 @@ int ValueComponents(id value, double out[4]) {
   id old = _contents;
   _contents = TVRetainContents(contents);
   TVReleaseContents(old);
+  CGImageRelease(_contentsImage);
+  _contentsImage = NULL;
   if (_modelLayer == nil) {
     TVLayerChanged(self);
   }

@@ -131,7 +131,20 @@ bool SpaceIsFlipped(CGContextRef c) {
   } else if ([contents isKindOfClass:[NSImage class]]) {
     points = [(NSImage *)contents size];
     if (points.width > 0 && points.height > 0) {
-      image = [(NSImage *)contents CGImageForProposedRect:NULL context:nil hints:nil];
+      // Made once per contents and kept by the model layer, which every
+      // presentation copy of it shares.
+      CALayer *model = _modelLayer != nil ? _modelLayer : self;
+      if (_contentsImage == NULL && model->_contents == contents) {
+        image = model->_contentsImage;
+        if (image == NULL) {
+          image = [(NSImage *)contents CGImageForProposedRect:NULL context:nil hints:nil];
+          model->_contentsImage = CGImageRetain(image);
+        }
+      } else {
+        image = _contentsImage != NULL
+                    ? _contentsImage
+                    : [(NSImage *)contents CGImageForProposedRect:NULL context:nil hints:nil];
+      }
     }
   }
   if (!image || !(points.width > 0) || !(points.height > 0) || !std::isfinite(points.width) ||

@@ -132,6 +132,20 @@ TEST_F(LayerRender, ContentsScaleAndNSImageContents) {
   EXPECT_TRUE(PixelNear(At(1, 14), kBlue, 1));
   EXPECT_TRUE(PixelNear(At(14, 1), kCyan, 1));
   EXPECT_TRUE(PixelNear(At(17, 1), kClear, 0));
+  Render([layer presentationLayer], 20, 20);  // shares the model's pixels
+  EXPECT_TRUE(PixelNear(At(1, 14), kBlue, 1));
+
+  // New contents replace the pixels taken from the old ones.
+  CGContextRef redContext = NewRGBAContext(4, 4);
+  CGContextSetRGBFillColor(redContext, 1, 0, 0, 1);
+  CGContextFillRect(redContext, CGRectMake(0, 0, 4, 4));
+  CGImageRef red = CGBitmapContextCreateImage(redContext);
+  CGContextRelease(redContext);
+  Owned<NSImage> redImage([[NSImage alloc] initWithCGImage:red size:NSMakeSize(16, 16)]);
+  CGImageRelease(red);
+  [layer setContents:redImage.get()];
+  Render(layer, 20, 20);
+  EXPECT_TRUE(PixelNear(At(1, 14), kRed, 1));
 }
 
 TEST_F(LayerRender, OpacityBlendsWithinALevelAndGroupsSublayers) {

@@ -246,6 +246,20 @@ TEST_F(LayerView, SublayersDrawInTheViewsCoordinatesAboveItsSubviews) {
   EXPECT_PIXEL(At(25, 25), 0, 128, 128, 255) << "half-blue sublayer over the green subview";
 }
 
+TEST_F(LayerView, WantingALayerIsEnoughForTheViewToDrawAsOne) {
+  NSView *root = OpenWindow();
+  NSView *view = Solid(NSMakeRect(20, 20, 40, 40), [NSColor redColor]);
+  [view setWantsLayer:YES];  // no -layer asked for
+  [view setAlphaValue:0.5];
+  [root addSubview:view];
+  Grab();
+  EXPECT_PIXEL(At(30, 30), 255, 128, 128, 255);
+  EXPECT_FLOAT_EQ([[view layer] opacity], 0.5f);
+  [view setNeedsDisplay:YES];  // an opaque view inside its own translucent layer
+  Grab(false);
+  EXPECT_PIXEL(At(30, 30), 255, 128, 128, 255);
+}
+
 TEST_F(LayerView, LayerAnimationsRedrawTheViewFrameByFrame) {
   NSView *root = OpenWindow();
   NSView *view = NewLayerView(NSMakeRect(20, 20, 100, 100));
@@ -337,6 +351,7 @@ TEST_F(LayerView, BadInputDrawsNothingAndNeverRaises) {
   EXPECT_NO_THROW(Grab());
   EXPECT_PIXEL(At(30, 30), 255, 255, 255, 255);
   EXPECT_PIXEL(At(101, 21), 255, 255, 255, 255);
+  EXPECT_FALSE([window_ viewsNeedDisplay]) << "drawing a NaN opacity marks nothing again";
   EXPECT_TRUE([[view layer] isKindOfClass:[CALayer class]]);
 
   // A layer given by hand is the one shown.

@@ -68,13 +68,17 @@ cairo_t **StoredCairoSlot(NSWindow *window) {
   return *slot ? slot : NULL;
 }
 
-// The layer a view shows: only with wantsLayer, its geometry brought up
-// to date with the view (a layer hidden by hand stays hidden).
+// The layer a view shows: only with wantsLayer (made on first use, as
+// AppKit makes it), its geometry brought up to date with the view (a layer
+// hidden by hand stays hidden).
+int syncingLayer = 0;  // bringing a layer up to date marks nothing for display
+
 CALayer *ShownLayer(NSView *view) {
-  CALayer *existing = [view wantsLayer] ? TVViewExistingLayer(view) : nil;
-  if (existing == nil) return nil;
-  BOOL hidden = [existing isHidden];
+  if (![view wantsLayer]) return nil;
+  BOOL hidden = [TVViewExistingLayer(view) isHidden];
+  syncingLayer++;
   CALayer *layer = [view layer];
+  syncingLayer--;
   if (hidden) [layer setHidden:YES];
   return layer;
 }
@@ -277,8 +281,9 @@ void HDisplayRect(NSView *self, SEL s, NSRect rect, NSGraphicsContext *context) 
 NSView *HOpaqueAncestor(NSView *self, SEL s) {
   NSView *top = nil;
   for (NSView *view = self; view != nil; view = [view superview]) {
-    CALayer *layer = [view wantsLayer] ? TVViewExistingLayer(view) : nil;
-    if (IsTranslucent(layer)) top = view;
+    if (![view wantsLayer]) continue;
+    CALayer *layer = TVViewExistingLayer(view);
+    if (layer != nil ? IsTranslucent(layer) : !([view alphaValue] >= 1)) top = view;
   }
   if (top != nil && [top superview] != nil) return [[top superview] opaqueAncestor];
   return oOpaqueAncestor(self, s);
@@ -307,6 +312,7 @@ void HSetAlphaValue(NSView *self, SEL s, CGFloat alpha) {
 
 // Something in the view's layer tree changed how it looks.
 - (void)_tv_layerNeedsDisplay:(CALayer *)layer {
+  if (syncingLayer > 0) return;
   // The backing layer's opacity set directly is the view's alphaValue too.
   CALayer *own = TVViewExistingLayer(self);
   if (layer == own && std::isfinite([own opacity]) && float([self alphaValue]) != [own opacity]) {

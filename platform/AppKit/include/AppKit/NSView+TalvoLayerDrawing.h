@@ -10,17 +10,19 @@
  * opacity applies to all of that as one group, composited over what lies
  * below; a hidden layer hides the view. alphaValue and the layer's opacity
  * are one value: setting either sets both, and the view redraws.
- * Changes to contents, contentsGravity, backgroundColor, opacity and
- * sublayers (of any layer in the tree) mark the view for display; other
- * layer changes show at the view's next display. At 1x and 2x (-GSScaleFactor).
+ * The window shows the presentation tree: animations running on the layer
+ * or its sublayers mark the view for display every frame. Changes to
+ * contents, contentsGravity, backgroundColor, opacity and sublayers (of any
+ * layer in the tree) mark it too; other layer changes (hidden,
+ * masksToBounds, geometry of sublayers set without an animation) show at
+ * the view's next display. At 1x and 2x (-GSScaleFactor).
  *
- * Not covered: the layer's own animations do not redraw the view frame by
- * frame (animate the view through its animator, as AppKit code does);
- * sublayers draw above the view's subviews whatever their order; drawing
- * the view into another context (displayRectIgnoringOpacity:inContext:
- * with a bitmap context, cacheDisplayInRect:, printing) shows the view's
- * own drawing without its layer; in windows whose backend lacks the
- * private details the groups rely on, layers draw without their opacity.
+ * Not covered: sublayers draw above the view's subviews whatever their
+ * order; drawing the view into another context
+ * (displayRectIgnoringOpacity:inContext: with a bitmap context,
+ * cacheDisplayInRect:, printing) shows the view's own drawing without its
+ * layer; in windows whose backend lacks the private details the groups
+ * rely on, layers draw without their opacity.
  *
  * -[CALayer renderInContext:] of a backing layer (or of its presentation
  * layer) draws the view too: background and contents, then the view's

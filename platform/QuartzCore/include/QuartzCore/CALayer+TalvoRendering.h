@@ -28,8 +28,9 @@
  *
  * Not covered: drawInContext: and other delegate drawing, contentsRect,
  * contentsCenter, shadows, borders, corner radius, masks, filters and 3D
- * transforms. An NSImage's CGImage is made on every call (a CGImage is
- * drawn directly).
+ * transforms. An NSImage's pixels are taken once, at the first render
+ * after it is set as contents: later changes to the same NSImage object do
+ * not show until the contents are set again.
  */
 #ifndef TALVO_CALAYER_RENDERING_H
 #define TALVO_CALAYER_RENDERING_H

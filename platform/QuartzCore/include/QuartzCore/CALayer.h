@@ -102,6 +102,7 @@ CA_EXTERN NSString *const kCAGravityResizeAspectFill;
   NSString *_contentsGravity;
   BOOL _masksToBounds;
   CGAffineTransform _affineTransform;
+  CGImageRef _contentsImage;  // an NSImage's pixels, made at first draw
 }
 
 + (instancetype)layer;
