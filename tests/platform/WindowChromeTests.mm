@@ -87,6 +87,31 @@ TEST_F(WindowChrome, StandardButtonsOfATitledWindowCanBeHidden) {
   EXPECT_EQ([window standardWindowButton:(NSWindowButton)99], (NSButton *)nil);
 }
 
+TEST_F(WindowChrome, MovabilitySheetsAndScreenUpdates) {
+  NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor]);
+  EXPECT_TRUE([window isMovable]);
+  [window setMovableByWindowBackground:YES];
+  EXPECT_TRUE([window isMovableByWindowBackground]);
+  [window setMovable:NO];
+  EXPECT_FALSE([window isMovable]);
+  EXPECT_FALSE([window isMovableByWindowBackground]);
+  [window setFrameOrigin:NSMakePoint(120, 110)];  // code still moves it
+  EXPECT_TRUE(NSEqualPoints([window frame].origin, NSMakePoint(120, 110)));
+  [window setMovable:YES];
+  EXPECT_TRUE([window isMovableByWindowBackground]);
+
+  EXPECT_FALSE([window isSheet]);
+
+  NSInteger before = TVScreenUpdatesDisabledCount();
+  NSDisableScreenUpdates();
+  NSDisableScreenUpdates();
+  EXPECT_EQ(TVScreenUpdatesDisabledCount(), before + 2);
+  NSEnableScreenUpdates();
+  NSEnableScreenUpdates();
+  NSEnableScreenUpdates();  // one too many is ignored
+  EXPECT_EQ(TVScreenUpdatesDisabledCount(), before);
+}
+
 TEST_F(WindowChrome, BackingConversionsScaleByTheBackingAtOneX) {
   NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor]);
   CGFloat scale = [window backingScaleFactor];

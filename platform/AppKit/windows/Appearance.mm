@@ -149,6 +149,59 @@ bool IsAppearanceOrNil(id object) { return object == nil || [object isKindOfClas
 
 }  // namespace
 
+#pragma mark - Archiving
+
+// Appearances archive their name (keyed under "NSAppearanceName", as
+// interface files write it); GNUstep's write and read nothing. Replacing
+// GNUstep's coding methods in place reroutes distributed objects' own
+// coding on this runtime, so every appearance is made as this private
+// subclass instead, which codes for itself under NSAppearance's name.
+@interface _TVAppearance : NSAppearance
+@end
+
+@implementation _TVAppearance
+
++ (id)allocWithZone:(NSZone *)zone {
+  return NSAllocateObject(self, 0, zone);
+}
+
+- (Class)classForCoder {
+  return [NSAppearance class];
+}
+
+- (Class)classForKeyedArchiver {
+  return [NSAppearance class];
+}
+
+- (void)encodeWithCoder:(NSCoder *)coder {
+  if ([coder allowsKeyedCoding]) {
+    [coder encodeObject:[self name] forKey:@"NSAppearanceName"];
+  } else {
+    [coder encodeObject:[self name]];
+  }
+}
+
+- (id)initWithCoder:(NSCoder *)coder {
+  NSString *name = nil;
+  @try {
+    name = [coder allowsKeyedCoding] ? [coder decodeObjectForKey:@"NSAppearanceName"] : [coder decodeObject];
+  } @catch (NSException *exception) {
+    name = nil;
+  }
+  return [self initWithAppearanceNamed:([name isKindOfClass:[NSString class]] ? name : NSAppearanceNameAqua)
+                                bundle:nil];
+}
+
+@end
+
+@implementation NSAppearance (TalvoAllocation)
+
++ (id)allocWithZone:(NSZone *)zone {
+  return self == [NSAppearance class] ? [_TVAppearance allocWithZone:zone] : NSAllocateObject(self, 0, zone);
+}
+
+@end
+
 #pragma mark - NSAppearance
 
 // AppKit's values of the high-contrast names; GNUstep's exports spell them

@@ -13,6 +13,7 @@
   BOOL _titlebarAppearsTransparent;
   NSWindowTitleVisibility _titleVisibility;
   NSWindowAnimationBehavior _animationBehavior;
+  BOOL _immovable;
   NSAppearance *_appearance;
   // The standard buttons made for the window, by NSWindowButton kind.
   NSMutableDictionary *_buttons;

@@ -51,6 +51,19 @@ NSUInteger StyleBitForButton(NSWindowButton kind) {
   }
 }
 
+NSInteger screenUpdatesDisabled = 0;
+
+BOOL (*originalMovableByBackground)(id, SEL) = NULL;
+
+// A window the user may not move is not dragged by its background either.
+BOOL TVIsMovableByWindowBackground(NSWindow *window, SEL selector) {
+  _TVWindowPlatformState *state = TVWindowPlatformState(window, NO);
+  if (state != nil && state->_immovable) {
+    return NO;
+  }
+  return originalMovableByBackground(window, selector);
+}
+
 NSRect ScaledRect(NSRect rect, CGFloat factor) {
   return NSMakeRect(rect.origin.x * factor, rect.origin.y * factor, rect.size.width * factor,
                     rect.size.height * factor);
@@ -95,6 +108,8 @@ NSButton *TVStandardWindowButton(NSWindow *window, SEL selector, NSWindowButton 
 #pragma mark - Lifecycle
 
 + (void)load {
+  originalMovableByBackground = (BOOL(*)(id, SEL))TVReplaceInstanceMethod(
+      self, @selector(isMovableByWindowBackground), (IMP)TVIsMovableByWindowBackground);
   originalStandardWindowButton = (NSButton * (*)(id, SEL, NSWindowButton)) TVReplaceInstanceMethod(
       self, @selector(standardWindowButton:), (IMP)TVStandardWindowButton);
 }
@@ -164,6 +179,24 @@ NSButton *TVStandardWindowButton(NSWindow *window, SEL selector, NSWindowButton 
   MarkFrameForDisplay(self);
 }
 
+- (BOOL)isMovable {
+  _TVWindowPlatformState *state = TVWindowPlatformState(self, NO);
+  return state == nil || !state->_immovable;
+}
+
+- (void)setMovable:(BOOL)movable {
+  TVWindowPlatformState(self, YES)->_immovable = movable ? NO : YES;
+}
+
+- (BOOL)isSheet {
+  for (NSWindow *window in [NSApp windows]) {
+    if (window != self && [window attachedSheet] == self) {
+      return YES;
+    }
+  }
+  return NO;
+}
+
 - (NSRect)convertRectToBacking:(NSRect)rect {
   return ScaledRect(rect, [self backingScaleFactor]);
 }
@@ -173,3 +206,13 @@ NSButton *TVStandardWindowButton(NSWindow *window, SEL selector, NSWindowButton 
 }
 
 @end
+
+void NSDisableScreenUpdates(void) { screenUpdatesDisabled++; }
+
+void NSEnableScreenUpdates(void) {
+  if (screenUpdatesDisabled > 0) {
+    screenUpdatesDisabled--;
+  }
+}
+
+NSInteger TVScreenUpdatesDisabledCount(void) { return screenUpdatesDisabled; }

@@ -23,6 +23,12 @@
  *   and convertRectFromBacking: scale by it. Under -GSScaleFactor 2 GNUstep
  *   keeps window frames in device pixels and scales views; NSScreen's
  *   backingScaleFactor still answers 1 there unless overridden.
+ * - isMovable (YES at first) is stored; a window that is not movable
+ *   answers NO to isMovableByWindowBackground, so GNUstep does not drag it
+ *   by its background. Code still moves it.
+ * - isSheet answers whether the window is another window's attached sheet.
+ * - NSDisableScreenUpdates/NSEnableScreenUpdates nest and are counted;
+ *   nothing is held back (GNUstep flushes each window as it draws).
  * - Window levels and child windows keep their order without a window
  *   manager: after a window is ordered in, every visible window of a higher
  *   level and every child is put back above it; children move with their
@@ -74,7 +80,26 @@ typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) {
 - (NSRect)convertRectToBacking:(NSRect)rect;
 - (NSRect)convertRectFromBacking:(NSRect)rect;
 
+/** Whether the user may move the window; YES at first. */
+- (BOOL)isMovable;
+- (void)setMovable:(BOOL)movable;
+
+/** Whether the window is attached to another window as its sheet. */
+- (BOOL)isSheet;
+
 @end
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+/** Nesting calls; see above. */
+__attribute__((visibility("default"))) void NSDisableScreenUpdates(void);
+__attribute__((visibility("default"))) void NSEnableScreenUpdates(void);
+/** How deep the disable calls are nested now (0: updates on). */
+__attribute__((visibility("default"))) NSInteger TVScreenUpdatesDisabledCount(void);
+#ifdef __cplusplus
+}
+#endif
 
 NS_ASSUME_NONNULL_END
 
