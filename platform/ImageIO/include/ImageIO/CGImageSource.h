@@ -17,12 +17,8 @@
 #ifndef TALVO_CGIMAGESOURCE_H
 #define TALVO_CGIMAGESOURCE_H
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
-
-// Toll-free with Foundation, as in CGBase.h: an NSDictionary * and an
-// NSURL *.
-typedef const struct __CFDictionary *CFDictionaryRef;
-typedef const struct __CFURL *CFURLRef;
 
 typedef struct CGImageSource *CGImageSourceRef;
 
