@@ -89,8 +89,10 @@ static BOOL TVGetResourceValue(NSURL *url, SEL selector, id *value, NSString *ke
 @implementation _TVURLResourceValues
 
 + (void)load {
+  // By name: messaging the class here would run its +initialize before
+  // any autorelease pool exists.
   gOriginal = (TVGetResourceValueIMP)TVReplaceInstanceMethod(
-      [NSURL class], @selector(getResourceValue:forKey:error:), (IMP)TVGetResourceValue);
+      objc_getClass("NSURL"), @selector(getResourceValue:forKey:error:), (IMP)TVGetResourceValue);
 }
 
 @end
