@@ -1,4 +1,4 @@
-// Image I/O's header reader on arbitrary bytes. Beyond the sanitizers it
+// Image I/O's header reader and its completeness test on arbitrary bytes. Beyond the sanitizers it
 // checks that a header that reads has a size, a count and an orientation
 // in range, and that reading is the same whether the buffer is exactly
 // sized or followed by more bytes (a read past the end would differ).
@@ -18,6 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (info.width == 0 || info.height == 0 || info.imageCount == 0) abort();
     if (info.orientation < 0 || info.orientation > 8) abort();
     if (io::TypeIdentifier(info.format) == nullptr) abort();
+    io::MemorySource source(exact.data(), exact.size());
+    io::LooksComplete(source, info);
   }
   std::vector<uint8_t> padded(exact);
   padded.resize(size + 64, 0xA5);

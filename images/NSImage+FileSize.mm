@@ -9,23 +9,20 @@
 namespace {
 
 // Looked up once: the GCC runtime finds a class by name on each `[X class]`.
-Class NumberClass() {
-  static Class cls = Nil;
-  if (cls == Nil) cls = [NSNumber class];
-  return cls;
-}
-
 Class URLClass() {
   static Class cls = Nil;
   if (cls == Nil) cls = [NSURL class];
   return cls;
 }
 
-// A number property read as a 32-bit float (0 when missing); the
-// dictionary's numbers are toll-free NSNumbers.
+// A number property read as a 32-bit float; 0 when it is missing.
 float FloatProperty(CFDictionaryRef properties, CFStringRef key) {
-  id value = [(NSDictionary *)properties objectForKey:(NSString *)key];
-  return [value isKindOfClass:NumberClass()] ? [value floatValue] : 0.0f;
+  float value = 0;
+  CFNumberRef number = (CFNumberRef)CFDictionaryGetValue(properties, key);
+  if (number != NULL && CFGetTypeID(number) == CFNumberGetTypeID()) {
+    CFNumberGetValue(number, kCFNumberFloatType, &value);
+  }
+  return value;
 }
 
 }  // namespace

@@ -263,6 +263,11 @@ TEST_F(ImageLoadingPlatform, ResourceValuesOfFileURLs) {
     EXPECT_EQ([value boolValue], c.directory);
     EXPECT_TRUE([c.url getResourceValue:&value forKey:NSURLTypeIdentifierKey error:NULL]);
     EXPECT_NSEQ(value, c.type);
+    value = nil;
+    EXPECT_TRUE([c.url getResourceValue:&value
+                                 forKey:(NSString *)kCFURLTypeIdentifierKey
+                                  error:NULL]);
+    EXPECT_NSEQ(value, c.type);
   }
   // A URL made without knowing it is a directory still answers YES.
   id value = nil;

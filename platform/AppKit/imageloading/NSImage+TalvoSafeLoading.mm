@@ -88,8 +88,10 @@ id TVInitWithContentsOfURL(NSImage *image, SEL selector, NSURL *url) {
 @implementation _TVSafeImageLoading
 
 + (void)load {
+  // By name: messaging the class here would run its +initialize before
+  // any autorelease pool exists.
   gOriginalInitWithContentsOfURL = (TVInitWithURLIMP)TVReplaceInstanceMethod(
-      [NSImage class], @selector(initWithContentsOfURL:), (IMP)TVInitWithContentsOfURL);
+      objc_getClass("NSImage"), @selector(initWithContentsOfURL:), (IMP)TVInitWithContentsOfURL);
 }
 
 @end

@@ -100,8 +100,10 @@ static NSArray *FilteredURLs(NSArray *urls, NSDictionary *options) {
     if ([urls count] > 0) {
       NSArray *before = ListForType(self, NSPasteboardTypeURL);
       NSArray *pathsBefore = ListForType(self, NSFilenamesPboardType);
+      // GNUstep's own URL type holds one URL: the first on the pasteboard.
+      id firstString = [before count] > 0 ? [before objectAtIndex:0] : [urls objectAtIndex:0];
       NSURL *first =
-          [NSURL URLWithString:before != nil ? [before objectAtIndex:0] : [urls objectAtIndex:0]];
+          [firstString isKindOfClass:[NSString class]] ? [NSURL URLWithString:firstString] : nil;
       if (before != nil)
         [urls insertObjects:before
                   atIndexes:[NSIndexSet indexSetWithIndexesInRange:NSMakeRange(0, [before count])]];

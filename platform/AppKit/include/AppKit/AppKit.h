@@ -34,3 +34,4 @@
 #import <AppKit/NSBundle+TalvoImages.h>
 #import <AppKit/NSCell+TalvoPlatform.h>
 #import <AppKit/NSScroller+TalvoPlatform.h>
+#import <Foundation/NSURL+TalvoPlatform.h>
