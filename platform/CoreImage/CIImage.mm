@@ -285,17 +285,25 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
         return YES;
       }
       if (![_input _renderRegion:region into:pixels bytesPerRow:bytesPerRow]) return NO;
-      // Pixels whose centre lies outside the crop are cleared.
+      // Pixels whose centre lies outside the crop are cleared: the columns
+      // kept are one span, the same on every row.
+      int64_t first = region.width, end = 0;
+      for (int64_t col = 0; col < region.width; ++col) {
+        double cx = double(region.x + col) + 0.5;
+        if (cx > kept.origin.x && cx < CGRectGetMaxX(kept)) {
+          first = std::min(first, col);
+          end = col + 1;
+        }
+      }
       for (int64_t row = 0; row < region.height; ++row) {
         double cy = double(region.y + region.height - 1 - row) + 0.5;
         uint8_t *out = pixels + row * bytesPerRow;
-        bool rowInside = cy > kept.origin.y && cy < CGRectGetMaxY(kept);
-        for (int64_t col = 0; col < region.width; ++col) {
-          double cx = double(region.x + col) + 0.5;
-          if (!rowInside || !(cx > kept.origin.x && cx < CGRectGetMaxX(kept))) {
-            memset(out + col * 4, 0, 4);
-          }
+        if (first >= end || !(cy > kept.origin.y && cy < CGRectGetMaxY(kept))) {
+          memset(out, 0, size_t(region.width) * 4);
+          continue;
         }
+        memset(out, 0, size_t(first) * 4);
+        memset(out + end * 4, 0, size_t(region.width - end) * 4);
       }
       return YES;
     }
