@@ -15,7 +15,7 @@
     NSArray *urls = nil;
     if ([url isKindOfClass:[NSURL class]]) {
       urls = [[NSFileManager defaultManager] contentsOfDirectoryAtURL:url
-                                           includingPropertiesForKeys:@[ NSURLTypeIdentifierKey ]
+                                           includingPropertiesForKeys:@[ (NSString *)kCFURLTypeIdentifierKey ]
                                                               options:1
                                                                 error:NULL];
     }

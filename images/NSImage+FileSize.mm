@@ -8,11 +8,21 @@
 
 namespace {
 
-// A number property read as a 32-bit float (0 when missing); the
-// dictionary's numbers are toll-free NSNumbers.
+// Looked up once: the GCC runtime finds a class by name on each `[X class]`.
+Class URLClass() {
+  static Class cls = Nil;
+  if (cls == Nil) cls = [NSURL class];
+  return cls;
+}
+
+// A number property read as a 32-bit float; 0 when it is missing.
 float FloatProperty(CFDictionaryRef properties, CFStringRef key) {
-  id value = [(NSDictionary *)properties objectForKey:(NSString *)key];
-  return [value isKindOfClass:[NSNumber class]] ? [value floatValue] : 0.0f;
+  float value = 0;
+  CFNumberRef number = (CFNumberRef)CFDictionaryGetValue(properties, key);
+  if (number != NULL && CFGetTypeID(number) == CFNumberGetTypeID()) {
+    CFNumberGetValue(number, kCFNumberFloatType, &value);
+  }
+  return value;
 }
 
 }  // namespace
@@ -20,10 +30,12 @@ float FloatProperty(CFDictionaryRef properties, CFStringRef key) {
 @implementation NSImage (fileSize)
 
 + (NSSize)sizeForFileAtURL:(NSURL *)url {
-  if (![url isKindOfClass:[NSURL class]]) return NSZeroSize;
+  if (![url isKindOfClass:URLClass()]) return NSZeroSize;
   float width = 0, height = 0;
   @try {
-    NSURL *fileURL = [url respondsToSelector:@selector(filePathURL)] ? [url filePathURL] : url;
+    // A file URL is its own file path URL here (GNUstep has no file
+    // reference URLs); asking would build a copy on every call.
+    NSURL *fileURL = [url isFileURL] ? url : [url filePathURL];
     CGImageSourceRef source = CGImageSourceCreateWithURL((CFURLRef)fileURL, NULL);
     if (source == NULL) return NSZeroSize;
     CFDictionaryRef properties = CGImageSourceCopyPropertiesAtIndex(source, 0, NULL);

@@ -298,7 +298,9 @@ static NSDirectoryEnumerator *TVEnumeratorAtURL(NSFileManager *manager, SEL sele
 @implementation _TVFileManagerURLListing
 
 + (void)load {
-  Class manager = [NSFileManager class];
+  // By name: messaging the class here would run its +initialize before
+  // any autorelease pool exists.
+  Class manager = objc_getClass("NSFileManager");
   TVReplaceInstanceMethod(
       manager, @selector(contentsOfDirectoryAtURL:includingPropertiesForKeys:options:error:),
       (IMP)TVContentsOfDirectoryAtURL);

@@ -9,6 +9,7 @@
  * NSCocoaErrorDomain; other keys and other URLs go to GNUstep.
  */
 #import <Foundation/Foundation.h>
+#import <Foundation/NSURL+TalvoPlatform.h>
 
 #include <errno.h>
 #include <sys/stat.h>
@@ -20,6 +21,8 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
+const CFStringRef kCFURLTypeIdentifierKey = (CFStringRef) @"NSURLTypeIdentifierKey";
+
 typedef BOOL (*TVGetResourceValueIMP)(id, SEL, id *, NSString *, NSError **);
 static TVGetResourceValueIMP gOriginal = NULL;
 
@@ -27,7 +30,8 @@ static BOOL IsAnsweredKey(NSString *key) {
   return [key isEqualToString:NSURLIsDirectoryKey] || [key isEqualToString:NSURLIsRegularFileKey] ||
          [key isEqualToString:NSURLIsSymbolicLinkKey] || [key isEqualToString:NSURLIsHiddenKey] ||
          [key isEqualToString:NSURLNameKey] || [key isEqualToString:NSURLFileSizeKey] ||
-         [key isEqualToString:NSURLTypeIdentifierKey];
+         [key isEqualToString:NSURLTypeIdentifierKey] ||
+         [key isEqualToString:(NSString *)kCFURLTypeIdentifierKey];
 }
 
 static BOOL TVGetResourceValue(NSURL *url, SEL selector, id *value, NSString *key,
@@ -85,8 +89,10 @@ static BOOL TVGetResourceValue(NSURL *url, SEL selector, id *value, NSString *ke
 @implementation _TVURLResourceValues
 
 + (void)load {
+  // By name: messaging the class here would run its +initialize before
+  // any autorelease pool exists.
   gOriginal = (TVGetResourceValueIMP)TVReplaceInstanceMethod(
-      [NSURL class], @selector(getResourceValue:forKey:error:), (IMP)TVGetResourceValue);
+      objc_getClass("NSURL"), @selector(getResourceValue:forKey:error:), (IMP)TVGetResourceValue);
 }
 
 @end

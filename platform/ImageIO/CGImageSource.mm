@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <memory>
 
 #include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
@@ -62,9 +61,9 @@ const CFStringRef kCGImagePropertyHasAlpha = (CFStringRef) @"HasAlpha";
   _partial = YES;
   // Counting GIF frames or TIFF directories can mean reading the whole
   // file: that waits until the count is asked for.
-  std::unique_ptr<io::FileSource> file(new io::FileSource(fd, size));
+  io::FileSource file(fd, size);
   io::HeaderInfo header;
-  if (io::ReadHeader(*file, &header, false)) _header = new io::HeaderInfo(header);
+  if (io::ReadHeader(file, &header, false)) _header = new io::HeaderInfo(header);
   return self;
 }
 
@@ -106,16 +105,30 @@ const CFStringRef kCGImagePropertyHasAlpha = (CFStringRef) @"HasAlpha";
 
 #pragma mark - Private
 
+// The GCC runtime looks a class up by name on every `[X class]`: the ones
+// asked on each call are looked up once.
+static Class SourceClass(void) {
+  static Class cls = Nil;
+  if (cls == Nil) cls = [_TVImageSource class];
+  return cls;
+}
+
+static Class URLClass(void) {
+  static Class cls = Nil;
+  if (cls == Nil) cls = [NSURL class];
+  return cls;
+}
+
 static _TVImageSource *Source(CGImageSourceRef ref) {
   id object = (id)ref;
-  return [object isKindOfClass:[_TVImageSource class]] ? (_TVImageSource *)object : nil;
+  return [object isKindOfClass:SourceClass()] ? (_TVImageSource *)object : nil;
 }
 
 #pragma mark - Functions
 
 CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef options) {
   NSURL *u = (NSURL *)url;
-  if (![u isKindOfClass:[NSURL class]] || ![u isFileURL]) return NULL;
+  if (![u isKindOfClass:URLClass()] || ![u isFileURL]) return NULL;
   NSString *path = [u path];
   if ([path length] == 0) return NULL;
   int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC);
@@ -123,7 +136,7 @@ CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef option
   struct stat info;
   _TVImageSource *source = nil;
   if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode)) {
-    source = [[_TVImageSource alloc] initWithPath:path file:fd size:size_t(info.st_size)];
+    source = [[SourceClass() alloc] initWithPath:path file:fd size:size_t(info.st_size)];
   }
   close(fd);
   return (CGImageSourceRef)source;

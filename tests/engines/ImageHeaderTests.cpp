@@ -166,3 +166,22 @@ TEST(ImageHeader, EveryPrefixReadWithinBounds) {
   ReadEveryPrefix(fx::WebPLossless(picture), 25);
   ReadEveryPrefix(fx::WebPLossy(picture, true), 30);
 }
+
+TEST(ImageHeader, CompleteFilesToldFromFilesCutShort) {
+  fx::Picture picture = fx::SplitPicture(12, 9);
+  for (const fx::Bytes &whole :
+       {fx::PNG(picture), fx::JPEG(picture), fx::GIF(12, 9, {{0, 0, 2, 2, {0, 1, 2, 3}}}),
+        fx::BMP(picture, 24), fx::BMP(picture, 32, true), fx::WebPLossless(picture)}) {
+    talvo::imageio::MemorySource source(whole.data(), whole.size());
+    HeaderInfo info = Read(whole);
+    EXPECT_TRUE(talvo::imageio::LooksComplete(source, info)) << int(info.format);
+    fx::Bytes cut(whole.begin(), whole.end() - 3);
+    talvo::imageio::MemorySource cutSource(cut.data(), cut.size());
+    EXPECT_FALSE(talvo::imageio::LooksComplete(cutSource, info)) << int(info.format);
+  }
+  // A JPEG with a little padding after its end marker is complete.
+  fx::Bytes padded = fx::JPEG(picture);
+  padded.insert(padded.end(), 10, 0);
+  talvo::imageio::MemorySource source(padded.data(), padded.size());
+  EXPECT_TRUE(talvo::imageio::LooksComplete(source, Read(padded)));
+}

@@ -1,8 +1,8 @@
 // What image loading stands on: image sources, the file manager's URL
 // listing, URL resource values and the pasteboard's URL objects.
 #import <AppKit/AppKit.h>
-#import <Talvo/Talvo.h>
 #include <ImageIO/ImageIO.h>
+#import <Talvo/Talvo.h>
 
 #include "images/ImageLoadingTestSupport.h"
 
@@ -263,6 +263,11 @@ TEST_F(ImageLoadingPlatform, ResourceValuesOfFileURLs) {
     EXPECT_EQ([value boolValue], c.directory);
     EXPECT_TRUE([c.url getResourceValue:&value forKey:NSURLTypeIdentifierKey error:NULL]);
     EXPECT_NSEQ(value, c.type);
+    value = nil;
+    EXPECT_TRUE([c.url getResourceValue:&value
+                                 forKey:(NSString *)kCFURLTypeIdentifierKey
+                                  error:NULL]);
+    EXPECT_NSEQ(value, c.type);
   }
   // A URL made without knowing it is a directory still answers YES.
   id value = nil;
@@ -278,6 +283,35 @@ TEST_F(ImageLoadingPlatform, ResourceValuesOfFileURLs) {
                                                   error:&error]);
   EXPECT_EQ(value, nil);
   EXPECT_EQ([error code], NSFileReadNoSuchFileError);
+}
+
+TEST_F(ImageLoadingPlatform, PlatformImageLoadingRefusesCutAndEmptyFilesWithoutRaising) {
+  fx::Picture picture = fx::SplitPicture(40, 30);
+  fx::Bytes png = fx::PNG(picture), jpeg = fx::JPEG(picture);
+  fx::Bytes gif = fx::GIF(40, 30, {{0, 0, 40, 30, std::vector<uint8_t>(1200, 1)}});
+  NSURL *refused[] = {
+      Write(@"cut.png", fx::Bytes(png.begin(), png.end() - 20)),
+      Write(@"cut.jpg", fx::Bytes(jpeg.begin(), jpeg.begin() + long(jpeg.size() / 2))),
+      Write(@"cut.gif", fx::Bytes(gif.begin(), gif.end() - 1)),
+      Write(@"empty.tif", {}),
+      MakeDirectory(@"dir.png"),
+  };
+  for (NSURL *url : refused) {
+    NSImage *image = nil;
+    @try {
+      image = [[NSImage alloc] initWithContentsOfURL:url];
+    } @catch (NSException *exception) {
+      ADD_FAILURE() << [[url lastPathComponent] UTF8String] << " raised";
+    }
+    EXPECT_EQ(image, nil) << [[url lastPathComponent] UTF8String];
+    [image release];
+  }
+  // Whole files still load through GNUstep's readers.
+  for (NSURL *url : {Write(@"a.png", png), Write(@"a.jpg", jpeg), Write(@"a.gif", gif)}) {
+    Owned<NSImage> image([[NSImage alloc] initWithContentsOfURL:url]);
+    ASSERT_NE(image.get(), nil) << [[url lastPathComponent] UTF8String];
+    EXPECT_EQ([[[image.get() representations] objectAtIndex:0] pixelsWide], 40);
+  }
 }
 
 using ImageLoadingPasteboard = ImageLoadingTest;
@@ -339,8 +373,11 @@ TEST_F(ImageLoadingPasteboard, PasteboardWithoutImageURLsGivesNil) {
   EXPECT_FALSE(([pasteboard writeObjects:@[ WritePNG(@"b.png", 4), @42 ]]));
   EXPECT_NSEQ([pasteboard readObjectsForClasses:@[ [NSURL class] ] options:nil], @[]);
   EXPECT_EQ([pasteboard readObjectsForClasses:(NSArray *)@"no" options:nil], nil);
-  EXPECT_NSEQ(([pasteboard readObjectsForClasses:(NSArray *)[NSArray arrayWithObjects:@"not a class", [NSColor class], nil] options:nil]),
-              @[]);
+  EXPECT_NSEQ(
+      ([pasteboard readObjectsForClasses:(NSArray *)[NSArray
+                                             arrayWithObjects:@"not a class", [NSColor class], nil]
+                                 options:nil]),
+      @[]);
   Owned<NSImage> none([[NSImage alloc] initWithAllURLsOfPasteboard:NullOf<NSPasteboard *>()]);
   EXPECT_EQ(none.get(), nil);
   [pasteboard releaseGlobally];

@@ -7,6 +7,9 @@ extern "C" const char *__lsan_default_suppressions() {
          // it runs without freeing the old one; a bitmap-backed context runs it
          // twice. GNUstep's leak, reached through the platform layer's hook.
          "leak:HInitGraphics\n"
+         // GNUstep's TIFF reader, which every image load tries first,
+         // keeps the 48-byte handle it opens over data that is no TIFF.
+         "leak:NSTiffOpenDataRead\n"
          // GNUstep's KVO keeps the record it made for an observation whose
          // object deallocates while observed, even after the observer is
          // removed from inside the object's dealloc (the observation

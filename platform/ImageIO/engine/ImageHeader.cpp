@@ -490,6 +490,53 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info) {
   return ReadHeader(source, info, true);
 }
 
+bool LooksComplete(ByteSource &source, const HeaderInfo &info) {
+  Bytes b(&source, 0, source.size());
+  size_t size = b.size();
+  switch (info.format) {
+    case Format::PNG:
+      return size >= 8 && b.equals(size - 8, "IEND");
+    case Format::GIF: {
+      uint32_t last = 0;
+      return size > 0 && b.u8(size - 1, &last) && last == 0x3B;
+    }
+    case Format::JPEG: {
+      // Some writers pad after the end marker.
+      size_t from = size > 64 ? size - 64 : 0;
+      for (size_t at = size >= 2 ? size - 2 : 0; at + 2 <= size && at >= from; at--) {
+        uint32_t marker = 0;
+        if (b.u16(at, true, &marker) && marker == 0xFFD9) return true;
+        if (at == 0) break;
+      }
+      return false;
+    }
+    case Format::BMP: {
+      uint32_t offset = 0, headerSize = 0, bits = 0;
+      if (!b.u32(10, false, &offset) || !b.u32(14, false, &headerSize) ||
+          !b.u16(headerSize == 12 ? 24 : 28, false, &bits)) {
+        return false;
+      }
+      uint64_t stride = (uint64_t(info.width) * bits + 31) / 32 * 4;
+      uint32_t compression = 0;
+      // Compressed pixel arrays have no fixed length.
+      if (headerSize >= 40 && b.u32(30, false, &compression) && compression != 0 &&
+          compression != 3 && compression != 6) {
+        return true;
+      }
+      return offset <= size && stride * info.height <= size - offset;
+    }
+    case Format::WebP: {
+      uint32_t riff = 0;
+      return b.u32(4, false, &riff) && uint64_t(riff) + 8 <= size;
+    }
+    case Format::TIFF:
+      return true;
+    case Format::Unknown:
+      break;
+  }
+  return false;
+}
+
 const char *TypeIdentifier(Format format) {
   switch (format) {
     case Format::PNG:

@@ -86,6 +86,14 @@ bool ReadHeader(const uint8_t *data, size_t size, HeaderInfo *info);
 // read.
 bool ReadHeader(ByteSource &source, HeaderInfo *info, bool countImages);
 
+// Whether a file whose header reads as `info` also has its end: the IEND
+// chunk of a PNG, the trailer of a GIF, an end-of-image marker in the last
+// bytes of a JPEG, a BMP's whole pixel array, a WebP's whole RIFF body.
+// TIFF answers true (its directories say where data is, not where the file
+// ends). A cheap test for a file cut short; it does not find corruption
+// inside a file.
+bool LooksComplete(ByteSource &source, const HeaderInfo &info);
+
 // The uniform type identifier of a format ("public.png"), or nullptr.
 const char *TypeIdentifier(Format format);
 

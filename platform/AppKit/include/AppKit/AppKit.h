@@ -22,3 +22,4 @@
 #import <AppKit/NSPasteboard+TalvoPlatform.h>
 #import <AppKit/NSImage+TalvoImageTypes.h>
 #import <Foundation/NSFileManager+TalvoPlatform.h>
+#import <Foundation/NSURL+TalvoPlatform.h>

@@ -3,8 +3,8 @@
  *
  * An image source is an Objective-C object: CFRetain/CFRelease (or
  * -retain/-release) manage it. A source made from a URL reads only the
- * start of the file until pixels are asked for; properties come from the
- * header alone. Images are decoded on request into 8-bit premultiplied RGB
+ * blocks of the file its header needs until pixels (or a GIF's or TIFF's
+ * image count) are asked for; properties come from the header alone. Images are decoded on request into 8-bit premultiplied RGB
  * images with alpha (kCGImageAlphaPremultipliedLast, or NoneSkipLast for
  * opaque formats), rows as stored: EXIF orientation is reported, not
  * applied. GIF frames are composed on the logical screen; TIFF
@@ -17,12 +17,8 @@
 #ifndef TALVO_CGIMAGESOURCE_H
 #define TALVO_CGIMAGESOURCE_H
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
-
-// Toll-free with Foundation, as in CGBase.h: an NSDictionary * and an
-// NSURL *.
-typedef const struct __CFDictionary *CFDictionaryRef;
-typedef const struct __CFURL *CFURLRef;
 
 typedef struct CGImageSource *CGImageSourceRef;
 
