@@ -131,20 +131,27 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
   _pixels = pixels;
   _pixelsWide = width;
   _pixelsHigh = height;
+  _bytesPerRow = width * 4;
   _extent = CGRectMake(0, 0, width, height);
   _scaleX = _scaleY = 1;
   return self;
 }
 
-// A bitmap recipe over premultiplied RGBA rows, top first, `width * 4`
-// bytes apart.
-- (instancetype)_initWithPixels:(NSData *)pixels width:(size_t)width height:(size_t)height {
+// A bitmap recipe over premultiplied RGBA rows, top first, `bytesPerRow`
+// apart, in memory that `owner` keeps alive.
+- (instancetype)_initWithPixels:(NSData *)pixels
+                          owner:(id)owner
+                          width:(size_t)width
+                         height:(size_t)height
+                    bytesPerRow:(size_t)bytesPerRow {
   self = [super init];
   if (self) {
     _kind = kBitmap;
     _pixels = [pixels retain];
+    _owner = [owner retain];
     _pixelsWide = width;
     _pixelsHigh = height;
+    _bytesPerRow = bytesPerRow;
     _extent = CGRectMake(0, 0, width, height);
     _scaleX = _scaleY = 1;
   }
@@ -169,6 +176,9 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
   NSData *pixels = _pixels;
   _pixels = nil;
   [pixels release];
+  id owner = _owner;
+  _owner = nil;
+  [owner release];
   [super dealloc];
 }
 
@@ -236,7 +246,7 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
       TVCIRegion inside = Intersect(region, own);
       ClearRows(pixels, bytesPerRow, region);
       const uint8_t *source = static_cast<const uint8_t *>([_pixels bytes]);
-      const ptrdiff_t sourceRow = ptrdiff_t(_pixelsWide) * 4;
+      const ptrdiff_t sourceRow = ptrdiff_t(_bytesPerRow);
       for (int64_t y = inside.y; y < inside.y + inside.height; ++y) {
         const uint8_t *in = source + (own.height - 1 - y) * sourceRow + inside.x * 4;
         uint8_t *out =
@@ -253,7 +263,7 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
       }
       if (_input->_kind == kBitmap) {
         ClampCopy(static_cast<const uint8_t *>([_input->_pixels bytes]),
-                  ptrdiff_t(_input->_pixelsWide) * 4, from, region, pixels, bytesPerRow);
+                  ptrdiff_t(_input->_bytesPerRow), from, region, pixels, bytesPerRow);
         return YES;
       }
       Scratch scratch;
@@ -275,17 +285,25 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
         return YES;
       }
       if (![_input _renderRegion:region into:pixels bytesPerRow:bytesPerRow]) return NO;
-      // Pixels whose centre lies outside the crop are cleared.
+      // Pixels whose centre lies outside the crop are cleared: the columns
+      // kept are one span, the same on every row.
+      int64_t first = region.width, end = 0;
+      for (int64_t col = 0; col < region.width; ++col) {
+        double cx = double(region.x + col) + 0.5;
+        if (cx > kept.origin.x && cx < CGRectGetMaxX(kept)) {
+          first = std::min(first, col);
+          end = col + 1;
+        }
+      }
       for (int64_t row = 0; row < region.height; ++row) {
         double cy = double(region.y + region.height - 1 - row) + 0.5;
         uint8_t *out = pixels + row * bytesPerRow;
-        bool rowInside = cy > kept.origin.y && cy < CGRectGetMaxY(kept);
-        for (int64_t col = 0; col < region.width; ++col) {
-          double cx = double(region.x + col) + 0.5;
-          if (!rowInside || !(cx > kept.origin.x && cx < CGRectGetMaxX(kept))) {
-            memset(out + col * 4, 0, 4);
-          }
+        if (first >= end || !(cy > kept.origin.y && cy < CGRectGetMaxY(kept))) {
+          memset(out, 0, size_t(region.width) * 4);
+          continue;
         }
+        memset(out, 0, size_t(first) * 4);
+        memset(out + end * 4, 0, size_t(region.width - end) * 4);
       }
       return YES;
     }
@@ -333,7 +351,7 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
   if (source->_kind == kBitmap && from.x == 0 && from.y == 0 &&
       from.width == int64_t(source->_pixelsWide) && from.height == int64_t(source->_pixelsHigh)) {
     sourcePixels = static_cast<const uint8_t *>([source->_pixels bytes]);
-    sourceRow = from.width * 4;
+    sourceRow = ptrdiff_t(source->_bytesPerRow);
   } else {
     if (!scratch.make(from) || ![source _renderRegion:from
                                                  into:scratch.bytes.data()
@@ -370,23 +388,22 @@ BOOL TVCIRegionForRect(CGRect rect, TVCIRegion *region) {
       [self release];
       return nil;
     }
-    // Premultiplied 8-bit RGBA already: the rows are copied as they are.
+    // Premultiplied 8-bit RGBA already: read in place, the bitmap kept.
     NSString *space = [rep colorSpaceName];
     if ([rep bitsPerSample] == 8 && [rep samplesPerPixel] == 4 && [rep hasAlpha] &&
         ![rep isPlanar] && [rep bitmapFormat] == 0 && [rep bitsPerPixel] == 32 &&
+        [rep bytesPerRow] >= width * 4 &&
         ([space isEqualToString:NSDeviceRGBColorSpace] ||
          [space isEqualToString:NSCalibratedRGBColorSpace])) {
-      NSMutableData *pixels = [[NSMutableData alloc] initWithLength:size_t(width * height * 4)];
-      if (!pixels) {
-        [self release];
-        return nil;
-      }
-      const uint8_t *in = [rep bitmapData];
-      uint8_t *out = static_cast<uint8_t *>([pixels mutableBytes]);
-      for (NSInteger row = 0; row < height; ++row) {
-        memcpy(out + row * width * 4, in + row * [rep bytesPerRow], size_t(width) * 4);
-      }
-      self = [self _initWithPixels:pixels width:size_t(width) height:size_t(height)];
+      size_t bytesPerRow = size_t([rep bytesPerRow]);
+      NSData *pixels = [[NSData alloc] initWithBytesNoCopy:[rep bitmapData]
+                                                    length:bytesPerRow * size_t(height)
+                                              freeWhenDone:NO];
+      self = [self _initWithPixels:pixels
+                             owner:rep
+                             width:size_t(width)
+                            height:size_t(height)
+                       bytesPerRow:bytesPerRow];
       [pixels release];
       return self;
     }

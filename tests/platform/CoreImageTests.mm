@@ -2,6 +2,7 @@
 // and outputs, and bitmaps rendered from recipes.
 #import <AppKit/AppKit.h>
 #import <CoreImage/CoreImage.h>
+#import <Talvo/Talvo.h>
 
 #include <cmath>
 
@@ -159,4 +160,45 @@ TEST_F(CoreImageTest, VectorsHoldTheirValues) {
   EXPECT_NSEQ(v, [CIVector vectorWithX:1 Y:2 Z:3 W:4]);
   EXPECT_FALSE([v isEqual:[CIVector vectorWithX:1 Y:2 Z:3]]);
   EXPECT_EQ([[CIVector vectorWithValues:NULL count:0] count], 0u);
+}
+
+TEST_F(CoreImageTest, BitmapsWithPaddedRowsAreReadInPlace) {
+  // 5 pixels a row, 32 bytes apart: the padding is never read as pixels.
+  NSBitmapImageRep *padded =
+      [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                               pixelsWide:5
+                                               pixelsHigh:4
+                                            bitsPerSample:8
+                                          samplesPerPixel:4
+                                                 hasAlpha:YES
+                                                 isPlanar:NO
+                                           colorSpaceName:NSDeviceRGBColorSpace
+                                              bytesPerRow:32
+                                             bitsPerPixel:32] autorelease];
+  ASSERT_EQ([padded bytesPerRow], 32);
+  memset([padded bitmapData], 0x99, 32 * 4);
+  for (NSInteger y = 0; y < 4; ++y) {
+    for (NSInteger x = 0; x < 5; ++x) {
+      uint8_t *p = [padded bitmapData] + y * 32 + x * 4;
+      p[0] = uint8_t(y < 2 ? 255 : 0), p[1] = 0, p[2] = uint8_t(y < 2 ? 0 : 255), p[3] = 255;
+    }
+  }
+  CIImage *image = ImageOf(padded);
+  NSBitmapImageRep *copy = Render(image);
+  ASSERT_NE(copy, nil);
+  EXPECT_EQ(RepPixel(copy, 4, 0), imagetest::kRed);
+  EXPECT_EQ(RepPixel(copy, 4, 3), imagetest::kBlue);
+  NSBitmapImageRep *clamped =
+      Render([[image imageByClampingToExtent] imageByCroppingToRect:CGRectMake(5, 0, 3, 4)]);
+  ASSERT_NE(clamped, nil);
+  EXPECT_EQ(RepPixel(clamped, 2, 0), imagetest::kRed);
+  EXPECT_EQ(RepPixel(clamped, 2, 3), imagetest::kBlue);
+  // Resampled, it matches the same pixels packed tightly.
+  NSBitmapImageRep *tight = RedOverBlue(5, 4);
+  NSBitmapImageRep *fromPadded = [padded imageRepWithSize:NSMakeSize(10, 10)];
+  NSBitmapImageRep *fromTight = [tight imageRepWithSize:NSMakeSize(10, 10)];
+  ASSERT_NE(fromPadded, nil);
+  ASSERT_NE(fromTight, nil);
+  ASSERT_EQ([fromPadded pixelsHigh], 8);
+  EXPECT_EQ(memcmp([fromPadded bitmapData], [fromTight bitmapData], 10 * 8 * 4), 0);
 }

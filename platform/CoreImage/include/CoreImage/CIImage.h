@@ -24,8 +24,10 @@ NS_ASSUME_NONNULL_BEGIN
   int _kind;
   CIImage *_input;
   NSData *_pixels;
+  id _owner;
   size_t _pixelsWide;
   size_t _pixelsHigh;
+  size_t _bytesPerRow;
   CGRect _extent;
   CGFloat _scaleX;
   CGFloat _scaleY;

@@ -13,8 +13,10 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @interface CIImage (NSAppKitAdditions)
-/** The bitmap's pixels (any depth, layout or alpha: converted to
- * premultiplied 8-bit RGBA), with extent (0, 0, pixelsWide, pixelsHigh).
+/** The bitmap's pixels, with extent (0, 0, pixelsWide, pixelsHigh). A
+ * premultiplied 8-bit RGBA bitmap is retained and its pixels are read where
+ * they are when the image is rendered (change them only after); any other
+ * depth, layout or alpha is converted to premultiplied 8-bit RGBA at once.
  * nil for nil, for an object that is not an NSBitmapImageRep and for a
  * bitmap without pixels. */
 - (nullable instancetype)initWithBitmapImageRep:(NSBitmapImageRep *)bitmapImageRep;
