@@ -29,8 +29,7 @@
 - (instancetype)initWithFrame:(NSRect)frame color:(NSColor *)color;
 @end
 
-// On the manual clock, with a window server (skipped without) and an
-// application that has finished launching (key windows are tracked).
+// On the manual clock, with a window server (skipped without).
 class WindowTest : public AnimationTest {
  protected:
   void SetUp() override;
