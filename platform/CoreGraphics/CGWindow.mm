@@ -304,9 +304,14 @@ void PaintRectShadow(cairo_surface_t *target, int x, int y, int w, int h, Shadow
   auto shade = [&](uint32_t *pixels, int row, int from, int to) {
     for (int col = std::max(from, x0); col < std::min(to, x1); col++) {
       uint32_t alpha = (uint32_t)(((uint64_t)across[col] * down[row] * scale + (1 << 23)) >> 24);
+      uint32_t d = pixels[col];
+      if (d == 0) {  // the clear margin, as a rule
+        pixels[col] = alpha << 24;
+        continue;
+      }
       if (alpha == 0) continue;
       // Black over what is there (premultiplied).
-      uint32_t d = pixels[col], keep = 255 - alpha;
+      uint32_t keep = 255 - alpha;
       uint32_t a = alpha + (((d >> 24) * keep + 127) / 255);
       uint32_t r = (((d >> 16) & 255) * keep + 127) / 255, g = (((d >> 8) & 255) * keep + 127) / 255,
                b = ((d & 255) * keep + 127) / 255;
@@ -463,7 +468,9 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     const ShadowShape shape = ShapeAt(s->scale);
     if (alone) {
       FetchInto(target, s->buffer, x, y, s->width, s->height);
-      if (shadow && IsOpaque(target, x, y, s->width, s->height)) {
+      // As the window server does, an opaque window casts the shadow of its
+      // frame; only a non-opaque one is read for its shape.
+      if (shadow && ([s->window isOpaque] || IsOpaque(target, x, y, s->width, s->height))) {
         PaintRectShadow(target, x, y, s->width, s->height, shape);
       } else if (shadow) {
         PaintAlphaShadow(target, target, 0, 0, cairo_image_surface_get_width(target),
@@ -475,7 +482,7 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     if (copy == nullptr) {
       continue;
     }
-    const bool opaque = IsOpaque(copy, 0, 0, s->width, s->height);
+    const bool opaque = [s->window isOpaque] || IsOpaque(copy, 0, 0, s->width, s->height);
     if (shadow && opaque) {
       PaintRectShadow(target, x, y, s->width, s->height, shape);
     } else if (shadow) {

@@ -80,9 +80,26 @@ TEST_F(WindowOrder, ChildrenStayAboveTheirParentAndMoveWithIt) {
   EXPECT_TRUE(NSEqualPoints([grandchild frame].origin, NSMakePoint(75, 75)));
   EXPECT_TRUE(NSEqualPoints([parent frame].origin, NSMakePoint(40, 50)));
 
+  // A move reported by the server (the window dragged) takes them along too.
+  NSEvent *moved = [NSEvent otherEventWithType:NSAppKitDefined
+                                      location:NSZeroPoint
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:[parent windowNumber]
+                                       context:nil
+                                       subtype:GSAppKitWindowMoved
+                                         data1:100
+                                         data2:120];
+  [parent sendEvent:moved];
+  NSPoint offset = NSMakePoint(NSMinX([parent frame]) - 40, NSMinY([parent frame]) - 50);
+  EXPECT_FALSE(NSEqualPoints(offset, NSZeroPoint));
+  EXPECT_TRUE(NSEqualPoints([child frame].origin, NSMakePoint(70 + offset.x, 70 + offset.y)));
+  EXPECT_TRUE(NSEqualPoints([grandchild frame].origin, NSMakePoint(75 + offset.x, 75 + offset.y)));
+
   [parent removeChildWindow:child];
+  NSPoint before = [child frame].origin;
   [parent setFrameOrigin:NSMakePoint(0, 0)];
-  EXPECT_TRUE(NSEqualPoints([child frame].origin, NSMakePoint(70, 70)));
+  EXPECT_TRUE(NSEqualPoints([child frame].origin, before));
 }
 
 // A floating child of a normal window stays with its parent's group, and

@@ -67,27 +67,6 @@ NSString *TVBestMatch(NSAppearance *self, SEL selector, NSArray *names) {
   return found;
 }
 
-// Appearances archive their name (keyed under "NSAppearanceName", as
-// interface files write it); GNUstep writes and reads nothing.
-void TVEncodeAppearance(NSAppearance *self, SEL selector, NSCoder *coder) {
-  if ([coder allowsKeyedCoding]) {
-    [coder encodeObject:[self name] forKey:@"NSAppearanceName"];
-  } else {
-    [coder encodeObject:[self name]];
-  }
-}
-
-id TVDecodeAppearance(NSAppearance *self, SEL selector, NSCoder *coder) {
-  NSString *name = nil;
-  @try {
-    name = [coder allowsKeyedCoding] ? [coder decodeObjectForKey:@"NSAppearanceName"] : [coder decodeObject];
-  } @catch (NSException *exception) {
-    name = nil;
-  }
-  return [self initWithAppearanceNamed:([name isKindOfClass:[NSString class]] ? name : NSAppearanceNameAqua)
-                                bundle:nil];
-}
-
 id (*originalInitWithName)(id, SEL, NSString *, NSBundle *) = NULL;
 NSAppearance *(*originalCurrentAppearance)(id, SEL) = NULL;
 void (*originalDisplayRect)(id, SEL, NSRect, NSGraphicsContext *) = NULL;
@@ -171,6 +150,59 @@ bool IsAppearanceOrNil(id object) { return object == nil || [object isKindOfClas
 
 }  // namespace
 
+#pragma mark - Archiving
+
+// Appearances archive their name (keyed under "NSAppearanceName", as
+// interface files write it); GNUstep's write and read nothing. Replacing
+// GNUstep's coding methods in place reroutes distributed objects' own
+// coding on this runtime, so every appearance is made as this private
+// subclass instead, which codes for itself under NSAppearance's name.
+@interface _TVAppearance : NSAppearance
+@end
+
+@implementation _TVAppearance
+
++ (id)allocWithZone:(NSZone *)zone {
+  return NSAllocateObject(self, 0, zone);
+}
+
+- (Class)classForCoder {
+  return [NSAppearance class];
+}
+
+- (Class)classForKeyedArchiver {
+  return [NSAppearance class];
+}
+
+- (void)encodeWithCoder:(NSCoder *)coder {
+  if ([coder allowsKeyedCoding]) {
+    [coder encodeObject:[self name] forKey:@"NSAppearanceName"];
+  } else {
+    [coder encodeObject:[self name]];
+  }
+}
+
+- (id)initWithCoder:(NSCoder *)coder {
+  NSString *name = nil;
+  @try {
+    name = [coder allowsKeyedCoding] ? [coder decodeObjectForKey:@"NSAppearanceName"] : [coder decodeObject];
+  } @catch (NSException *exception) {
+    name = nil;
+  }
+  return [self initWithAppearanceNamed:([name isKindOfClass:[NSString class]] ? name : NSAppearanceNameAqua)
+                                bundle:nil];
+}
+
+@end
+
+@implementation NSAppearance (TalvoAllocation)
+
++ (id)allocWithZone:(NSZone *)zone {
+  return self == [NSAppearance class] ? [_TVAppearance allocWithZone:zone] : NSAllocateObject(self, 0, zone);
+}
+
+@end
+
 #pragma mark - NSAppearance
 
 // AppKit's values of the high-contrast names; GNUstep's exports spell them
@@ -195,8 +227,6 @@ NSAppearanceName const NSAppearanceNameAccessibilityHighContrastVibrantDark =
   originalDisplayRect = (void (*)(id, SEL, NSRect, NSGraphicsContext *))TVReplaceInstanceMethod(
       [NSView class], @selector(displayRectIgnoringOpacity:inContext:), (IMP)TVDisplayRect);
   TVReplaceInstanceMethod(self, @selector(bestMatchFromAppearancesWithNames:), (IMP)TVBestMatch);
-  TVReplaceInstanceMethod(self, @selector(encodeWithCoder:), (IMP)TVEncodeAppearance);
-  TVReplaceInstanceMethod(self, @selector(initWithCoder:), (IMP)TVDecodeAppearance);
 }
 
 - (BOOL)talvo_isDark {
