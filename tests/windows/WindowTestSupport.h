@@ -29,7 +29,8 @@
 - (instancetype)initWithFrame:(NSRect)frame color:(NSColor *)color;
 @end
 
-// On the manual clock, with a window server (skipped without).
+// On the manual clock, with a window server (skipped without) and an
+// application that has finished launching (key windows are tracked).
 class WindowTest : public AnimationTest {
  protected:
   void SetUp() override;

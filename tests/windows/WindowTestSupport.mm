@@ -79,6 +79,11 @@ void WindowTest::SetUp() {
   if (!HasWindowServer()) {
     GTEST_SKIP() << "needs a window server";
   }
+  static bool launched = false;
+  if (!launched) {
+    launched = true;
+    [NSApp finishLaunching];
+  }
 }
 
 void WindowTest::TearDown() {
