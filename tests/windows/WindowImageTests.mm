@@ -9,7 +9,7 @@ namespace {
 
 using WindowShadow = WindowTest;
 using AnimationWindow = WindowTest;
-using WindowCapture = WindowTest;
+using WindowScreenshot = WindowTest;
 
 }  // namespace
 
@@ -91,14 +91,14 @@ TEST_F(AnimationWindow, NilAndScreenlessWindows) {
   }
 }
 
-TEST_F(WindowCapture, OrderedOutWindowsHaveNoPicture) {
+TEST_F(WindowScreenshot, OrderedOutWindowsHaveNoPicture) {
   Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSBorderlessWindowMask,
                                          [NSColor redColor]));
   EXPECT_EQ([window.get() screenshotByCapturingShadow:YES], nil);
   EXPECT_EQ([window.get() screenshotByCapturingShadow:NO], nil);
 }
 
-TEST_F(WindowCapture, PictureWithAndWithoutTheShadowArea) {
+TEST_F(WindowScreenshot, PictureWithAndWithoutTheShadowArea) {
   Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSBorderlessWindowMask,
                                          [NSColor redColor]));
   [window.get() setHasShadow:YES];
@@ -131,7 +131,7 @@ TEST_F(WindowCapture, PictureWithAndWithoutTheShadowArea) {
   [window.get() orderOut:nil];
 }
 
-TEST_F(WindowCapture, ViewPictureRendersThePresentedLayer) {
+TEST_F(WindowScreenshot, ViewPictureRendersThePresentedLayer) {
   Owned<NSView> view([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 20.9, 10)]);
   [view.get() setWantsLayer:YES];
   CGColorRef blue = CGColorCreateGenericRGB(0, 0, 1, 1);
@@ -146,7 +146,7 @@ TEST_F(WindowCapture, ViewPictureRendersThePresentedLayer) {
   CGImageRelease(picture);
 }
 
-TEST_F(WindowCapture, ViewPictureNeedsARenderableLayer) {
+TEST_F(WindowScreenshot, ViewPictureNeedsARenderableLayer) {
   Owned<NSView> empty([[NSView alloc] initWithFrame:NSZeroRect]);
   [empty.get() setWantsLayer:YES];
   EXPECT_EQ([empty.get() CGImageWithSubviews], nullptr);
