@@ -228,9 +228,11 @@ static void TVObserveSelections(void) {
 
 @implementation _TVRowViewInstaller
 + (void)load {
-  // By name: messaging the class here would run its +initialize before any
-  // autorelease pool exists.
-  Class table = objc_getClass("NSTableView");
+  // The class is initialised before its methods change (the runtime shares
+  // one dispatch table among classes not yet initialised), inside a pool of
+  // its own: none exists yet.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Class table = [NSTableView class];
   originalHighlightSelection = (void (*)(id, SEL, NSRect))TVReplaceInstanceMethod(
       table, @selector(highlightSelectionInClipRect:), (IMP)TVHighlightSelection);
   originalReloadData =
@@ -239,6 +241,7 @@ static void TVObserveSelections(void) {
       table, @selector(setDelegate:), (IMP)TVSetDelegate);
   originalTableDealloc =
       (void (*)(id, SEL))TVReplaceInstanceMethod(table, @selector(dealloc), (IMP)TVTableDealloc);
+  [pool drain];
 }
 @end
 
