@@ -18,12 +18,12 @@ static std::unordered_set<NSImage *> templateImages;
 static void (*originalImageDealloc)(id, SEL) = NULL;
 static id (*originalImageCopy)(id, SEL, NSZone *) = NULL;
 
-static void TVImageDealloc(NSImage *image, SEL selector) {
+static void TVImageDealloc(id image, SEL selector) {
   templateImages.erase(image);
   originalImageDealloc(image, selector);
 }
 
-static id TVImageCopy(NSImage *image, SEL selector, NSZone *zone) {
+static id TVImageCopy(id image, SEL selector, NSZone *zone) {
   id copy = originalImageCopy(image, selector, zone);
   if (copy != nil && templateImages.count(image) != 0) {
     templateImages.insert(copy);
@@ -36,13 +36,16 @@ static id TVImageCopy(NSImage *image, SEL selector, NSZone *zone) {
 
 @implementation _TVTemplateImageInstaller
 + (void)load {
-  // By name: messaging the class here would run its +initialize before any
-  // autorelease pool exists.
-  Class image = objc_getClass("NSImage");
+  // The class is initialised before its methods change (the runtime shares
+  // one dispatch table among classes not yet initialised), inside a pool of
+  // its own: none exists yet.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Class image = [NSImage class];
   originalImageDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
       image, @selector(dealloc), (IMP)TVImageDealloc);
   originalImageCopy = (id(*)(id, SEL, NSZone *))TVReplaceInstanceMethod(
       image, @selector(copyWithZone:), (IMP)TVImageCopy);
+  [pool drain];
 }
 @end
 
