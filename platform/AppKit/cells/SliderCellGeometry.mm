@@ -330,7 +330,7 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 
 - (void)drawTickMarks {
   NSInteger count = [self numberOfTickMarks];
-  if (count <= 0) {
+  if (count <= 0 || [NSGraphicsContext currentContext] == nil) {
     return;
   }
   [NSGraphicsContext saveGraphicsState];
