@@ -329,14 +329,16 @@ static void TVSegmentDraw(NSSegmentedCell *self, SEL _cmd, NSInteger segment, NS
   // the bezel and image here, the label is drawn below.
   IMP setLabel = TVOriginalFor(@selector(setLabel:forSegment:));
   NSString *label = [[[self labelForSegment:segment] retain] autorelease];
-  BOOL ownLabel = setLabel != NULL && [label length] > 0;
+  BOOL ownLabel = setLabel != NULL && label != nil;
   if (ownLabel) {
     ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), nil, segment);
   }
   ((void (*)(id, SEL, NSInteger, NSRect, NSView *))original)(self, _cmd, segment, frame, view);
   if (ownLabel) {
     ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), label, segment);
-    TVDrawSegmentLabel(self, segment, label, frame);
+    if ([label length] > 0) {
+      TVDrawSegmentLabel(self, segment, label, frame);
+    }
   }
 }
 
