@@ -180,3 +180,29 @@ TEST_F(SegmentedControl, IndexesOutOfRangeAreIgnored) {
   EXPECT_EQ([control selectedSegment], -1);
   [control display];
 }
+
+TEST_F(SegmentedControl, LabelsAreDrawnCentredInTheirSegments) {
+  NSSegmentedControl *control = AddControl();
+  [control setLabel:@"MMM" forSegment:1];
+  [control setLabel:@"" forSegment:0];
+  [control setLabel:@"" forSegment:2];
+  NSBitmapImageRep *rep = Grab(control);
+  int dark[3] = {0, 0, 0};
+  double sumX = 0;
+  for (int y = 0; y < 26; y++) {
+    for (int x = 0; x < 300; x++) {
+      RGB p = PixelAt(rep, x, y);
+      if (p.r + p.g + p.b < 150 && x > 2 && x < 297 && y > 3 && y < 22) {
+        dark[x / 100]++;
+        if (x / 100 == 1) {
+          sumX += x;
+        }
+      }
+    }
+  }
+  EXPECT_GT(dark[1], 10);
+  EXPECT_EQ(dark[0], 0);
+  EXPECT_EQ(dark[2], 0);
+  EXPECT_NEAR(sumX / dark[1], 150, 4);
+  EXPECT_NSEQ([control labelForSegment:1], @"MMM");
+}

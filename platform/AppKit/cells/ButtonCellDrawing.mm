@@ -165,6 +165,14 @@ static TVButtonRects TVButtonCellLayout(NSButtonCell *cell, NSRect bounds) {
 
 #pragma mark - Drawing
 
+static NSRect TVButtonCellImageRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
+  return TVButtonCellLayout(self, bounds).image;
+}
+
+static NSRect TVButtonCellTitleRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
+  return TVButtonCellLayout(self, bounds).title;
+}
+
 static void TVButtonCellDrawInterior(NSButtonCell *self, SEL _cmd, NSRect frame, NSView *view) {
   if ([self isTransparent]) {
     return;
@@ -176,20 +184,30 @@ static void TVButtonCellDrawInterior(NSButtonCell *self, SEL _cmd, NSRect frame,
   }
   TVButtonContent content = TVButtonCellContent(self);
   NSCellImagePosition position = TVButtonCellPosition(self, content);
-  if (content.image != nil && position != NSNoImage) {
-    [self drawImage:content.image withFrame:[self imageRectForBounds:frame] inView:view];
+  BOOL drawsImage = content.image != nil && position != NSNoImage;
+  BOOL drawsTitle = content.title != nil && position != NSImageOnly;
+  if (!drawsImage && !drawsTitle) {
+    return;
   }
-  if (content.title != nil && position != NSImageOnly) {
-    [self drawTitle:content.title withFrame:[self titleRectForBounds:frame] inView:view];
+  // Laying out measures the title: do it once unless a subclass has its own
+  // rects.
+  Class cls = [self class];
+  BOOL ownImageRect = class_getMethodImplementation(cls, @selector(imageRectForBounds:)) !=
+                      (IMP)TVButtonCellImageRect;
+  BOOL ownTitleRect = class_getMethodImplementation(cls, @selector(titleRectForBounds:)) !=
+                      (IMP)TVButtonCellTitleRect;
+  TVButtonRects rects = {NSZeroRect, NSZeroRect};
+  if (!(ownImageRect && ownTitleRect)) {
+    rects = TVButtonCellLayout(self, frame);
   }
-}
-
-static NSRect TVButtonCellImageRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
-  return TVButtonCellLayout(self, bounds).image;
-}
-
-static NSRect TVButtonCellTitleRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
-  return TVButtonCellLayout(self, bounds).title;
+  if (drawsImage) {
+    NSRect imageRect = ownImageRect ? [self imageRectForBounds:frame] : rects.image;
+    [self drawImage:content.image withFrame:imageRect inView:view];
+  }
+  if (drawsTitle) {
+    NSRect titleRect = ownTitleRect ? [self titleRectForBounds:frame] : rects.title;
+    [self drawTitle:content.title withFrame:titleRect inView:view];
+  }
 }
 
 #pragma mark - Highlighting while tracking

@@ -302,11 +302,43 @@ static void TVSegmentSetWidth(NSSegmentedCell *self, SEL _cmd, CGFloat width, NS
   }
 }
 
+// A segment's label, centred in its frame.
+static void TVDrawSegmentLabel(NSSegmentedCell *cell, NSInteger segment, NSString *label,
+                               NSRect frame) {
+  NSFont *font = [cell font] ?: [NSFont systemFontOfSize:0];
+  NSColor *color = [cell isEnabled] && [cell isEnabledForSegment:segment]
+                       ? [NSColor controlTextColor]
+                       : [NSColor disabledControlTextColor];
+  NSDictionary *attributes = [NSDictionary
+      dictionaryWithObjectsAndKeys:font, NSFontAttributeName, color, NSForegroundColorAttributeName, nil];
+  NSSize size = [label sizeWithAttributes:attributes];
+  NSPoint origin = NSMakePoint(NSMidX(frame) - size.width / 2, NSMidY(frame) - size.height / 2);
+  [NSGraphicsContext saveGraphicsState];
+  NSRectClip(frame);
+  [label drawAtPoint:origin withAttributes:attributes];
+  [NSGraphicsContext restoreGraphicsState];
+}
+
 static void TVSegmentDraw(NSSegmentedCell *self, SEL _cmd, NSInteger segment, NSRect frame,
                           NSView *view) {
   IMP original = TVOriginalFor(_cmd);
-  if (original != NULL && TVSegmentInRange(self, segment)) {
-    ((void (*)(id, SEL, NSInteger, NSRect, NSView *))original)(self, _cmd, segment, frame, view);
+  if (original == NULL || !TVSegmentInRange(self, segment)) {
+    return;
+  }
+  // GNUstep 0.29 leaks the text attributes of every label it draws: it draws
+  // the bezel and image here, the label is drawn below.
+  IMP setLabel = TVOriginalFor(@selector(setLabel:forSegment:));
+  NSString *label = [[[self labelForSegment:segment] retain] autorelease];
+  BOOL ownLabel = setLabel != NULL && label != nil;
+  if (ownLabel) {
+    ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), nil, segment);
+  }
+  ((void (*)(id, SEL, NSInteger, NSRect, NSView *))original)(self, _cmd, segment, frame, view);
+  if (ownLabel) {
+    ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), label, segment);
+    if ([label length] > 0) {
+      TVDrawSegmentLabel(self, segment, label, frame);
+    }
   }
 }
 

@@ -38,10 +38,13 @@ T &IvarRef(id object, const char *name) {
 }  // namespace
 
 static NSRect &TrackRectIvar(NSSliderCell *cell) { return IvarRef<NSRect>(cell, "_trackRect"); }
-static BOOL &VerticalIvar(NSSliderCell *cell) { return IvarRef<BOOL>(cell, "_isVertical"); }
+// GNUstep stores 255 (-1 in a BOOL) for "not known yet": read it as a byte.
+static unsigned char &VerticalIvar(NSSliderCell *cell) {
+  return IvarRef<unsigned char>(cell, "_isVertical");
+}
 
 static BOOL TVSliderOrientationKnown(NSSliderCell *cell) {
-  BOOL stored = VerticalIvar(cell);
+  unsigned char stored = VerticalIvar(cell);
   return stored == 0 || stored == 1;
 }
 
@@ -327,7 +330,7 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 
 - (void)drawTickMarks {
   NSInteger count = [self numberOfTickMarks];
-  if (count <= 0) {
+  if (count <= 0 || [NSGraphicsContext currentContext] == nil) {
     return;
   }
   [NSGraphicsContext saveGraphicsState];
