@@ -170,12 +170,15 @@ TEST_F(GradientCellDrawerTest, SmallFrameShrinksTheIconInProportion) {
             }] autorelease];
   [[window contentView] addSubview:view];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(view));
-  // 40 x 20 into 20.5 x 30: 20.5 x 10.25 -> 20 x 10 at (5, 15).
-  EXPECT_PIXEL(RepPixel(rep, 5, 15), 0, 0, 0, 255);
-  EXPECT_PIXEL(RepPixel(rep, 24, 24), 0, 0, 0, 255);
-  EXPECT_PIXEL(RepPixel(rep, 25, 20), 255, 255, 255, 255);
-  EXPECT_PIXEL(RepPixel(rep, 10, 25), 255, 255, 255, 255);
-  EXPECT_PIXEL(RepPixel(rep, 10, 14), 255, 255, 255, 255);
+  // 40 x 20 into 20.5 x 30: 20.5 x 10.25 -> 20 x 10 at (5, 15). The drawer
+  // flips about the frame's height (its frames are a control's bounds), so
+  // in this unflipped view the rect lands at y 30 - 25 = 5 ... 15.
+  EXPECT_PIXEL(RepPixel(rep, 5, 5), 0, 0, 0, 255);
+  EXPECT_PIXEL(RepPixel(rep, 24, 14), 0, 0, 0, 255);
+  EXPECT_PIXEL(RepPixel(rep, 25, 10), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 4, 10), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 10, 15), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 10, 4), 255, 255, 255, 255);
 }
 
 TEST_F(GradientCellDrawerTest, IconIsUprightInAFlippedControlView) {
