@@ -19,19 +19,25 @@ static NSImage *GalleryIcon(CGFloat side) {
   return image;
 }
 
-// The drawer's states side by side, one row per look.
-@interface ControlsPageDrawerGrid : NSView {
+// One state of the drawer in one look. The drawer draws in a control's
+// bounds (it flips about their height), so each state has a view of its own.
+@interface ControlsPageDrawerState : NSView {
   NSImage *_icon;
+  BOOL _newer;
+  int _state;
 }
+- (instancetype)initWithFrame:(NSRect)frame newerLook:(BOOL)newer state:(int)state;
 @end
 
-@implementation ControlsPageDrawerGrid
+@implementation ControlsPageDrawerState
 
-static const int kStates = 7;
-
-- (instancetype)initWithFrame:(NSRect)frame {
+- (instancetype)initWithFrame:(NSRect)frame newerLook:(BOOL)newer state:(int)state {
   self = [super initWithFrame:frame];
-  if (self != nil) _icon = [GalleryIcon(18) retain];
+  if (self != nil) {
+    _icon = [GalleryIcon(18) retain];
+    _newer = newer;
+    _state = state;
+  }
   return self;
 }
 
@@ -43,27 +49,20 @@ static const int kStates = 7;
 - (void)drawRect:(NSRect)dirtyRect {
   [[NSColor colorWithCalibratedWhite:0.93 alpha:1] set];
   NSRectFill([self bounds]);
-  CGFloat cell = NSWidth([self bounds]) / kStates;
-  CGFloat rowHeight = NSHeight([self bounds]) / 2;
-  for (int look = 0; look < 2; ++look) {
-    BOOL newer = look == 1;
-    for (int state = 0; state < kStates; ++state) {
-      VXGradientCellDrawer *drawer = [[VXGradientCellDrawer alloc] init];
-      [drawer setGradient:[NSGradient grayGradientForNewerLook:newer]];
-      [drawer setOnGradient:[NSGradient blueGradientForNewerLook:newer]];
-      [drawer setLightShadowOpacity:newer ? 0.0 : 0.42];
-      [drawer setInnerShadowRadius:newer ? 1.0 : 2.0];
-      [drawer setInnerShadowOpacity:newer ? 1.0 : 0.85];
-      [drawer setEnabledDrawing:state != 4];
-      [drawer setMainWindowDrawing:state != 5];
-      [drawer setMouseOverDrawing:state == 1 || state == 6];
-      [drawer setHighlightedDrawing:state == 2 || state == 6];
-      [drawer setDrawingState:state == 3 ? 1 : 0];
-      NSRect frame = NSMakeRect(state * cell, (1 - look) * rowHeight, cell, rowHeight);
-      [drawer drawImage:_icon inFrame:frame];
-      [drawer release];
-    }
-  }
+  // 0 normal, 1 over, 2 pressed, 3 on, 4 disabled, 5 not main, 6 over and pressed.
+  VXGradientCellDrawer *drawer = [[VXGradientCellDrawer alloc] init];
+  [drawer setGradient:[NSGradient grayGradientForNewerLook:_newer]];
+  [drawer setOnGradient:[NSGradient blueGradientForNewerLook:_newer]];
+  [drawer setLightShadowOpacity:_newer ? 0.0 : 0.42];
+  [drawer setInnerShadowRadius:_newer ? 1.0 : 2.0];
+  [drawer setInnerShadowOpacity:_newer ? 1.0 : 0.85];
+  [drawer setEnabledDrawing:_state != 4];
+  [drawer setMainWindowDrawing:_state != 5];
+  [drawer setMouseOverDrawing:_state == 1 || _state == 6];
+  [drawer setHighlightedDrawing:_state == 2 || _state == 6];
+  [drawer setDrawingState:_state == 3 ? 1 : 0];
+  [drawer drawImage:_icon inFrame:[self bounds]];
+  [drawer release];
 }
 
 @end
@@ -119,10 +118,17 @@ static const int kStates = 7;
   NSImage *icon = GalleryIcon(16);
 
   // The drawer's states: normal, over, pressed, on, disabled, not main, over + pressed.
-  [self addLabel:@"normal  over  pressed  on  disabled  not main  both" at:NSMakePoint(20, top - 24)
+  [self addLabel:@"normal   over  pressed   on   disabled  not main  both"
+              at:NSMakePoint(20, top - 24)
               to:page];
-  [page addSubview:[[[ControlsPageDrawerGrid alloc]
-                       initWithFrame:NSMakeRect(20, top - 100, 336, 72)] autorelease]];
+  for (int look = 0; look < 2; ++look) {
+    for (int state = 0; state < 7; ++state) {
+      NSRect cell = NSMakeRect(20 + state * 48, top - 64 - look * 36, 48, 36);
+      [page addSubview:[[[ControlsPageDrawerState alloc] initWithFrame:cell
+                                                             newerLook:look == 1
+                                                                 state:state] autorelease]];
+    }
+  }
   [self addLabel:@"older look (top), newer look (bottom)" at:NSMakePoint(20, top - 120) to:page];
 
   // Gradient button cells in buttons: plain, light gray, on with blue.
@@ -159,6 +165,8 @@ static const int kStates = 7;
   [popUp setCell:popUpCell];
   [popUp addItemWithTitle:@""];
   [[popUp itemAtIndex:0] setImage:icon];
+  [popUp selectItemAtIndex:0];
+  [popUpCell setImage:icon];
   [page addSubview:popUp];
   [self addLabel:@"gradient pop-up" at:NSMakePoint(x + 70, top - 124) to:page];
 
