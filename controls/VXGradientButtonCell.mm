@@ -60,6 +60,7 @@
 
 - (void)drawImage:(NSImage *)image withFrame:(NSRect)frame inView:(NSView *)controlView {
   if (_drawer == nil) return;
+  if (![controlView isKindOfClass:[NSView class]]) controlView = nil;
   NSWindow *window = [controlView window];
   BOOL sheet = [window attachedSheet] != nil;
   [_drawer setGradient:_gradientType != 0 ? [NSGradient lightGrayGradient]

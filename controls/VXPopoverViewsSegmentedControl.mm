@@ -94,6 +94,8 @@ static NSString *SegmentKey(NSInteger segment) {
 }
 
 - (void)mouseDown:(NSEvent *)event {
+  // Without an event AppKit's tracking would wait for a mouse-up forever.
+  if (![event isKindOfClass:[NSEvent class]]) return;
   [super mouseDown:event];
   [self showPopoverView];
 }
