@@ -24,10 +24,11 @@ inline void PostMouse(NSView *view, NSEventType type, NSPoint point) {
            atStart:NO];
 }
 
-// Dispatches queued events until none is left (tracking loops inside take
-// the events queued after the one that started them).
+// Dispatches queued events until none is left, earlier tests' leftovers too
+// (tracking loops inside take the events queued after the one that started
+// them).
 inline void DrainEvents() {
-  for (int i = 0; i < 200; i++) {
+  for (int i = 0; i < 100000; i++) {
     NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
                                         untilDate:[NSDate dateWithTimeIntervalSinceNow:0.05]
                                            inMode:NSDefaultRunLoopMode
@@ -96,12 +97,21 @@ class ControlWindowTest : public PooledTest {
       GTEST_SKIP() << "needs a window server";
     }
     [NSApplication sharedApplication];
+    // Key windows exist only once the application has finished launching.
+    static bool launched = false;
+    if (!launched) {
+      [NSApp finishLaunching];
+      launched = true;
+    }
     window_.reset([[NSWindow alloc] initWithContentRect:NSMakeRect(60, 60, 400, 300)
                                               styleMask:NSTitledWindowMask
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO]);
     [window_.get() setReleasedWhenClosed:NO];
     [window_.get() makeKeyAndOrderFront:nil];
+    DrainEvents();
+    // A click in a window that is not key would only make it key.
+    ASSERT_TRUE([window_.get() isKeyWindow]);
     recorder_.reset([TVActionRecorder new]);
   }
   void TearDown() override {

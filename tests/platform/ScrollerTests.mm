@@ -8,6 +8,10 @@
 @end
 
 @implementation TVThinScroller
+// GNUstep's scroller keeps its frame as wide as +scrollerWidth says.
++ (CGFloat)scrollerWidth {
+  return 10;
+}
 + (CGFloat)scrollerWidthForControlSize:(NSControlSize)size scrollerStyle:(NSScrollerStyle)style {
   return 10;
 }

@@ -14,15 +14,17 @@
 }
 @end
 
-@interface TVMenuWatcher : NSObject {
+// Counts its showings as a transient (pop-up) menu.
+@interface TVCountingMenu : NSMenu {
  @public
   int _opened;
 }
 @end
 
-@implementation TVMenuWatcher
-- (void)menuWillOpen:(NSMenu *)menu {
+@implementation TVCountingMenu
+- (void)displayTransient {
   _opened++;
+  [super displayTransient];
 }
 @end
 
@@ -70,6 +72,7 @@ TEST_F(SegmentedControl, ACellThatDrawsOnItsOwnStillHitTests) {
 TEST_F(SegmentedControl, FixedWidthsMoveTheBoundaries) {
   NSSegmentedControl *control = AddControl([TVOwnDrawingSegmentedCell new]);
   // 0 and 2 automatic, 1 fixed at 50: frames 0-125, 125-175, 175-300.
+  [control display];
   [control setWidth:50 forSegment:1];
   EXPECT_EQ([control widthForSegment:1], 50);
   EXPECT_EQ([control widthForSegment:0], 0);
@@ -131,23 +134,20 @@ TEST_F(SegmentedControl, DisabledSegmentsAreNotSelected) {
 
 TEST_F(SegmentedControl, ASegmentsMenuOpensWhenItIsPressed) {
   NSSegmentedControl *control = AddControl();
-  Owned<NSMenu> menu([[NSMenu alloc] initWithTitle:@"m"]);
+  Owned<TVCountingMenu> menu([[TVCountingMenu alloc] initWithTitle:@"m"]);
   [menu.get() addItemWithTitle:@"one" action:NULL keyEquivalent:@""];
-  Owned<TVMenuWatcher> watcher([TVMenuWatcher new]);
-  [menu.get() setDelegate:(id)watcher.get()];
   [control setMenu:menu.get() forSegment:0];
   EXPECT_EQ([control menuForSegment:0], menu.get());
   // The release far away closes the menu again.
   PostMouse(control, NSLeftMouseDown, NSMakePoint(20, 13));
   PostMouse(control, NSLeftMouseUp, NSMakePoint(380, -150));
   DrainEvents();
-  EXPECT_EQ(watcher.get()->_opened, 1);
+  EXPECT_EQ(menu.get()->_opened, 1);
   EXPECT_FALSE([[menu.get() window] isVisible]);
   EXPECT_EQ(recorder()->_count, 0);
   // Segments without a menu still select.
   ClickSegmentAt(control, 150);
   EXPECT_EQ([control selectedSegment], 1);
-  [menu.get() setDelegate:nil];
 }
 
 TEST_F(SegmentedControl, IndexesOutOfRangeAreIgnored) {
@@ -179,4 +179,30 @@ TEST_F(SegmentedControl, IndexesOutOfRangeAreIgnored) {
   [control setSegmentCount:2];
   EXPECT_EQ([control selectedSegment], -1);
   [control display];
+}
+
+TEST_F(SegmentedControl, LabelsAreDrawnCentredInTheirSegments) {
+  NSSegmentedControl *control = AddControl();
+  [control setLabel:@"MMM" forSegment:1];
+  [control setLabel:@"" forSegment:0];
+  [control setLabel:@"" forSegment:2];
+  NSBitmapImageRep *rep = Grab(control);
+  int dark[3] = {0, 0, 0};
+  double sumX = 0;
+  for (int y = 0; y < 26; y++) {
+    for (int x = 0; x < 300; x++) {
+      RGB p = PixelAt(rep, x, y);
+      if (p.r + p.g + p.b < 150 && x > 2 && x < 297 && y > 3 && y < 22) {
+        dark[x / 100]++;
+        if (x / 100 == 1) {
+          sumX += x;
+        }
+      }
+    }
+  }
+  EXPECT_GT(dark[1], 10);
+  EXPECT_EQ(dark[0], 0);
+  EXPECT_EQ(dark[2], 0);
+  EXPECT_NEAR(sumX / dark[1], 150, 4);
+  EXPECT_NSEQ([control labelForSegment:1], @"MMM");
 }

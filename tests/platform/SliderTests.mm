@@ -80,7 +80,9 @@ TEST_F(Slider, SetVerticalOverridesTheFrame) {
   [(NSSliderCell *)[slider cell] setVertical:YES];
   [slider display];
   EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 1);
-  [(NSSliderCell *)[slider cell] setVertical:NO];
+  [slider setVertical:NO];
+  EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 0);
+  [slider display];
   EXPECT_EQ([(NSSliderCell *)[slider cell] isVertical], 0);
 }
 
@@ -162,4 +164,24 @@ TEST_F(Slider, AVerticalSliderHasItsMinimumAtTheBottom) {
   EXPECT_NEAR([slider doubleValue], 80, 0.6);  // events land on whole points
   Click(slider, at20);
   EXPECT_NEAR([slider doubleValue], 20, 0.6);  // events land on whole points
+}
+
+TEST_F(Slider, BadInputAndCallsOutsideDrawingRaiseNothing) {
+  Owned<NSSliderCell> cell([NSSliderCell new]);
+  // No control view: nothing is known, nothing raises.
+  EXPECT_EQ([cell.get() isVertical], -1);
+  EXPECT_TRUE(NSIsEmptyRect([cell.get() trackRect]));
+  [cell.get() setNumberOfTickMarks:4];
+  EXPECT_TRUE(NSEqualRects([cell.get() rectOfTickMarkAtIndex:NSIntegerMax], NSZeroRect));
+  [cell.get() rectOfTickMarkAtIndex:2];
+  [cell.get() barRectFlipped:YES];
+  [cell.get() drawTickMarks];
+  [cell.get() setVertical:YES];
+  EXPECT_EQ([cell.get() isVertical], 1);
+  [cell.get() closestTickMarkValueToValue:INFINITY];
+  [cell.get() closestTickMarkValueToValue:-INFINITY];
+  NSSlider *slider = AddSlider(NSMakeRect(20, 200, 0, 0), [NSSliderCell new]);
+  [slider display];
+  Click(slider, NSMakePoint(0, 0));
+  EXPECT_EQ([slider doubleValue], 0);
 }

@@ -58,6 +58,19 @@ static TVButtonContent TVButtonCellContent(NSButtonCell *cell) {
   return content;
 }
 
+// The image position that applies: a missing image or title drops out of the
+// layout (NSNoImage: title only; NSImageOnly: image only, or nothing).
+static NSCellImagePosition TVButtonCellPosition(NSButtonCell *cell, TVButtonContent content) {
+  NSCellImagePosition position = [cell imagePosition];
+  if (content.image == nil) {
+    position = NSNoImage;
+  }
+  if (content.title == nil) {
+    position = NSImageOnly;
+  }
+  return position;
+}
+
 static NSView *TVCellControlView(NSCell *cell) {
   return [cell controlView];
 }
@@ -68,17 +81,11 @@ static TVButtonRects TVButtonCellLayout(NSButtonCell *cell, NSRect bounds) {
   TVButtonRects rects = {NSZeroRect, NSZeroRect};
   NSRect interior = [cell drawingRectForBounds:bounds];
   TVButtonContent content = TVButtonCellContent(cell);
-  NSCellImagePosition position = [cell imagePosition];
-  BOOL hasImage = content.image != nil && position != NSNoImage;
-  BOOL hasTitle = content.title != nil && position != NSImageOnly;
-  NSSize imageSize = hasImage ? [content.image size] : NSZeroSize;
-  NSSize titleSize = hasTitle ? [content.title size] : NSZeroSize;
-  if (!hasImage) {
-    position = NSNoImage;
-  }
-  if (!hasTitle) {
-    position = NSImageOnly;  // also when there is neither: nothing is drawn
-  }
+  NSCellImagePosition position = TVButtonCellPosition(cell, content);
+  BOOL hasImage = position != NSNoImage;
+  BOOL hasTitle = position != NSImageOnly;
+  NSSize imageSize = hasImage && content.image != nil ? [content.image size] : NSZeroSize;
+  NSSize titleSize = hasTitle && content.title != nil ? [content.title size] : NSZeroSize;
   // "Above" and "below" are visual: in a flipped view they swap in y.
   if ([TVCellControlView(cell) isFlipped]) {
     if (position == NSImageAbove) {
@@ -158,6 +165,14 @@ static TVButtonRects TVButtonCellLayout(NSButtonCell *cell, NSRect bounds) {
 
 #pragma mark - Drawing
 
+static NSRect TVButtonCellImageRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
+  return TVButtonCellLayout(self, bounds).image;
+}
+
+static NSRect TVButtonCellTitleRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
+  return TVButtonCellLayout(self, bounds).title;
+}
+
 static void TVButtonCellDrawInterior(NSButtonCell *self, SEL _cmd, NSRect frame, NSView *view) {
   if ([self isTransparent]) {
     return;
@@ -168,21 +183,31 @@ static void TVButtonCellDrawInterior(NSButtonCell *self, SEL _cmd, NSRect frame,
     object_setIvar(self, controlViewIvar, view);
   }
   TVButtonContent content = TVButtonCellContent(self);
-  NSCellImagePosition position = [self imagePosition];
-  if (content.image != nil && position != NSNoImage) {
-    [self drawImage:content.image withFrame:[self imageRectForBounds:frame] inView:view];
+  NSCellImagePosition position = TVButtonCellPosition(self, content);
+  BOOL drawsImage = content.image != nil && position != NSNoImage;
+  BOOL drawsTitle = content.title != nil && position != NSImageOnly;
+  if (!drawsImage && !drawsTitle) {
+    return;
   }
-  if (content.title != nil && position != NSImageOnly) {
-    [self drawTitle:content.title withFrame:[self titleRectForBounds:frame] inView:view];
+  // Laying out measures the title: do it once unless a subclass has its own
+  // rects.
+  Class cls = [self class];
+  BOOL ownImageRect = class_getMethodImplementation(cls, @selector(imageRectForBounds:)) !=
+                      (IMP)TVButtonCellImageRect;
+  BOOL ownTitleRect = class_getMethodImplementation(cls, @selector(titleRectForBounds:)) !=
+                      (IMP)TVButtonCellTitleRect;
+  TVButtonRects rects = {NSZeroRect, NSZeroRect};
+  if (!(ownImageRect && ownTitleRect)) {
+    rects = TVButtonCellLayout(self, frame);
   }
-}
-
-static NSRect TVButtonCellImageRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
-  return TVButtonCellLayout(self, bounds).image;
-}
-
-static NSRect TVButtonCellTitleRect(NSButtonCell *self, SEL _cmd, NSRect bounds) {
-  return TVButtonCellLayout(self, bounds).title;
+  if (drawsImage) {
+    NSRect imageRect = ownImageRect ? [self imageRectForBounds:frame] : rects.image;
+    [self drawImage:content.image withFrame:imageRect inView:view];
+  }
+  if (drawsTitle) {
+    NSRect titleRect = ownTitleRect ? [self titleRectForBounds:frame] : rects.title;
+    [self drawTitle:content.title withFrame:titleRect inView:view];
+  }
 }
 
 #pragma mark - Highlighting while tracking
@@ -222,16 +247,16 @@ static void TVCellSetHighlighted(NSCell *self, SEL _cmd, BOOL flag) {
 @implementation NSButtonCell (TalvoPlatformDrawing)
 
 + (void)load {
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(drawInteriorWithFrame:inView:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(drawInteriorWithFrame:inView:),
                           (IMP)TVButtonCellDrawInterior);
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(imageRectForBounds:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(imageRectForBounds:),
                           (IMP)TVButtonCellImageRect);
-  TVReplaceInstanceMethod([NSButtonCell class], @selector(titleRectForBounds:),
+  TVReplaceInstanceMethod(objc_getClass("NSButtonCell"), @selector(titleRectForBounds:),
                           (IMP)TVButtonCellTitleRect);
   originalMouseDown = (void (*)(id, SEL, NSEvent *))TVReplaceInstanceMethod(
-      [NSControl class], @selector(mouseDown:), (IMP)TVControlMouseDown);
+      objc_getClass("NSControl"), @selector(mouseDown:), (IMP)TVControlMouseDown);
   originalSetHighlighted = (void (*)(id, SEL, BOOL))TVReplaceInstanceMethod(
-      [NSCell class], @selector(setHighlighted:), (IMP)TVCellSetHighlighted);
+      objc_getClass("NSCell"), @selector(setHighlighted:), (IMP)TVCellSetHighlighted);
 }
 
 @end

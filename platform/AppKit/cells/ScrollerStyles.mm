@@ -105,6 +105,12 @@ static void TVScrollerDrawKnob(NSScroller *self, SEL _cmd) {
 
 static void (*originalTile)(id, SEL) = NULL;
 
+// The line GNUstep keeps between content and scroller (its tiling reserves
+// its own scroller width and this line, whatever the scroller's width).
+static CGFloat TVSeparator(CGFloat gap) {
+  return gap < 0 ? 0 : (gap > 1 ? 1 : gap);
+}
+
 // Re-fits one scroller and the content after GNUstep's tiling, which gave the
 // scroller its fixed width and took that width (plus a separator) from the
 // content.
@@ -126,12 +132,12 @@ static void TVFitScroller(NSScrollView *scrollView, NSScroller *scroller, BOOL v
   if (vertical) {
     BOOL trailing = NSMidX(old) >= NSMidX(contentFrame);
     if (trailing) {
-      CGFloat gap = MAX(0, NSMinX(old) - NSMaxX(contentFrame));
+      CGFloat gap = TVSeparator(NSMinX(old) - NSMaxX(contentFrame));
       frame.origin.x = NSMaxX(old) - width;
       frame.size.width = width;
       contentFrame.size.width = (overlay ? NSMaxX(old) : NSMinX(frame) - gap) - NSMinX(contentFrame);
     } else {
-      CGFloat gap = MAX(0, NSMinX(contentFrame) - NSMaxX(old));
+      CGFloat gap = TVSeparator(NSMinX(contentFrame) - NSMaxX(old));
       frame.size.width = width;
       CGFloat start = overlay ? NSMinX(old) : NSMaxX(frame) + gap;
       contentFrame.size.width = NSMaxX(contentFrame) - start;
@@ -140,13 +146,13 @@ static void TVFitScroller(NSScrollView *scrollView, NSScroller *scroller, BOOL v
   } else {
     BOOL highY = NSMidY(old) >= NSMidY(contentFrame);
     if (highY) {
-      CGFloat gap = MAX(0, NSMinY(old) - NSMaxY(contentFrame));
+      CGFloat gap = TVSeparator(NSMinY(old) - NSMaxY(contentFrame));
       frame.origin.y = NSMaxY(old) - width;
       frame.size.height = width;
       contentFrame.size.height =
           (overlay ? NSMaxY(old) : NSMinY(frame) - gap) - NSMinY(contentFrame);
     } else {
-      CGFloat gap = MAX(0, NSMinY(contentFrame) - NSMaxY(old));
+      CGFloat gap = TVSeparator(NSMinY(contentFrame) - NSMaxY(old));
       frame.size.height = width;
       CGFloat start = overlay ? NSMinY(old) : NSMaxY(frame) + gap;
       contentFrame.size.height = NSMaxY(contentFrame) - start;
@@ -166,8 +172,10 @@ static void TVFitScroller(NSScrollView *scrollView, NSScroller *scroller, BOOL v
     // Floating scrollers draw over the content.
     NSArray *subviews = [scrollView subviews];
     if ([subviews indexOfObjectIdenticalTo:scroller] < [subviews indexOfObjectIdenticalTo:content]) {
-      [[scroller retain] autorelease];
+      [scroller retain];
+      [scroller removeFromSuperview];
       [scrollView addSubview:scroller positioned:NSWindowAbove relativeTo:content];
+      [scroller release];
     }
   }
 }
@@ -280,20 +288,20 @@ static void TVRetileAround(NSScroller *scroller) {
 }
 
 + (void)load {
-  Class meta = object_getClass([NSScroller class]);
+  Class meta = objc_getMetaClass("NSScroller");
   class_addMethod(meta, @selector(scrollerWidthForControlSize:scrollerStyle:),
                   (IMP)TVScrollerWidthForSizeAndStyle, "d@:QQ");
   class_addMethod(meta, @selector(preferredScrollerStyle), (IMP)TVPreferredScrollerStyle, "q@:");
   class_addMethod(meta, @selector(isCompatibleWithOverlayScrollers), (IMP)TVCompatibleWithOverlay,
                   "c@:");
   originalDrawKnob = (void (*)(id, SEL))TVReplaceInstanceMethod(
-      [NSScroller class], @selector(drawKnob), (IMP)TVScrollerDrawKnob);
+      objc_getClass("NSScroller"), @selector(drawKnob), (IMP)TVScrollerDrawKnob);
   originalScrollerDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
-      [NSScroller class], @selector(dealloc), (IMP)TVScrollerDealloc);
-  originalTile = (void (*)(id, SEL))TVReplaceInstanceMethod([NSScrollView class], @selector(tile),
+      objc_getClass("NSScroller"), @selector(dealloc), (IMP)TVScrollerDealloc);
+  originalTile = (void (*)(id, SEL))TVReplaceInstanceMethod(objc_getClass("NSScrollView"), @selector(tile),
                                                             (IMP)TVScrollViewTile);
   originalScrollViewDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
-      [NSScrollView class], @selector(dealloc), (IMP)TVScrollViewDealloc);
+      objc_getClass("NSScrollView"), @selector(dealloc), (IMP)TVScrollViewDealloc);
 }
 
 @end

@@ -33,15 +33,26 @@ static BOOL TVSegmentInRange(NSSegmentedCell *cell, NSInteger segment) {
   return segment >= 0 && segment < [cell segmentCount];
 }
 
-// The frame of each segment in `frame`: a segment of width 0 shares what is
-// left of the frame equally with the other automatic segments after it.
+// The frame of each segment in `frame`: the segments of width 0 share what
+// the fixed-width segments leave, equally.
 static NSRect TVSegmentFrame(NSSegmentedCell *cell, NSRect frame, NSInteger segment) {
   NSInteger count = [cell segmentCount];
+  CGFloat fixed = 0;
+  NSInteger automatic = 0;
+  for (NSInteger i = 0; i < count; i++) {
+    CGFloat width = [cell widthForSegment:i];
+    if (width > 0) {
+      fixed += width;
+    } else {
+      automatic++;
+    }
+  }
+  CGFloat shared = automatic > 0 ? MAX(0, NSWidth(frame) - fixed) / (CGFloat)automatic : 0;
   CGFloat x = NSMinX(frame);
   for (NSInteger i = 0; i < count; i++) {
     CGFloat width = [cell widthForSegment:i];
     if (!(width > 0)) {
-      width = (NSMaxX(frame) - x) / (CGFloat)(count - i);
+      width = shared;
     }
     if (i == segment) {
       return NSMakeRect(x, NSMinY(frame), width, NSHeight(frame));
@@ -49,6 +60,18 @@ static NSRect TVSegmentFrame(NSSegmentedCell *cell, NSRect frame, NSInteger segm
     x += width;
   }
   return NSZeroRect;
+}
+
+// Draws each segment in the frame hit-testing uses.
+static void TVSegmentedDrawInterior(NSSegmentedCell *self, SEL _cmd, NSRect frame, NSView *view) {
+  static Ivar controlViewIvar = class_getInstanceVariable([NSActionCell class], "_control_view");
+  if (view != nil && controlViewIvar != NULL) {
+    object_setIvar(self, controlViewIvar, view);
+  }
+  NSInteger count = [self segmentCount];
+  for (NSInteger i = 0; i < count; i++) {
+    [self drawSegment:i inFrame:TVSegmentFrame(self, frame, i) withView:view];
+  }
 }
 
 static NSInteger TVSegmentAtPoint(NSSegmentedCell *cell, NSPoint point, NSView *view) {
@@ -279,11 +302,43 @@ static void TVSegmentSetWidth(NSSegmentedCell *self, SEL _cmd, CGFloat width, NS
   }
 }
 
+// A segment's label, centred in its frame.
+static void TVDrawSegmentLabel(NSSegmentedCell *cell, NSInteger segment, NSString *label,
+                               NSRect frame) {
+  NSFont *font = [cell font] ?: [NSFont systemFontOfSize:0];
+  NSColor *color = [cell isEnabled] && [cell isEnabledForSegment:segment]
+                       ? [NSColor controlTextColor]
+                       : [NSColor disabledControlTextColor];
+  NSDictionary *attributes = [NSDictionary
+      dictionaryWithObjectsAndKeys:font, NSFontAttributeName, color, NSForegroundColorAttributeName, nil];
+  NSSize size = [label sizeWithAttributes:attributes];
+  NSPoint origin = NSMakePoint(NSMidX(frame) - size.width / 2, NSMidY(frame) - size.height / 2);
+  [NSGraphicsContext saveGraphicsState];
+  NSRectClip(frame);
+  [label drawAtPoint:origin withAttributes:attributes];
+  [NSGraphicsContext restoreGraphicsState];
+}
+
 static void TVSegmentDraw(NSSegmentedCell *self, SEL _cmd, NSInteger segment, NSRect frame,
                           NSView *view) {
   IMP original = TVOriginalFor(_cmd);
-  if (original != NULL && TVSegmentInRange(self, segment)) {
-    ((void (*)(id, SEL, NSInteger, NSRect, NSView *))original)(self, _cmd, segment, frame, view);
+  if (original == NULL || !TVSegmentInRange(self, segment)) {
+    return;
+  }
+  // GNUstep 0.29 leaks the text attributes of every label it draws: it draws
+  // the bezel and image here, the label is drawn below.
+  IMP setLabel = TVOriginalFor(@selector(setLabel:forSegment:));
+  NSString *label = [[[self labelForSegment:segment] retain] autorelease];
+  BOOL ownLabel = setLabel != NULL && label != nil;
+  if (ownLabel) {
+    ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), nil, segment);
+  }
+  ((void (*)(id, SEL, NSInteger, NSRect, NSView *))original)(self, _cmd, segment, frame, view);
+  if (ownLabel) {
+    ((void (*)(id, SEL, id, NSInteger))setLabel)(self, @selector(setLabel:forSegment:), label, segment);
+    if ([label length] > 0) {
+      TVDrawSegmentLabel(self, segment, label, frame);
+    }
   }
 }
 
@@ -314,7 +369,7 @@ static void TVSegmentSetCount(NSSegmentedCell *self, SEL _cmd, NSInteger count) 
 }
 
 static void TVHookSegmentMethod(SEL selector, IMP replacement) {
-  IMP original = TVReplaceInstanceMethod([NSSegmentedCell class], selector, replacement);
+  IMP original = TVReplaceInstanceMethod(objc_getClass("NSSegmentedCell"), selector, replacement);
   if (original != NULL && segmentMethodCount < (int)(sizeof segmentMethods / sizeof segmentMethods[0])) {
     segmentMethods[segmentMethodCount].selector = selector;
     segmentMethods[segmentMethodCount].original = original;
@@ -345,9 +400,11 @@ static void TVHookSegmentMethod(SEL selector, IMP replacement) {
 @implementation NSSegmentedCell (TalvoPlatformTracking)
 
 + (void)load {
-  Class cell = [NSSegmentedCell class];
+  Class cell = objc_getClass("NSSegmentedCell");
   originalTrackMouse = (BOOL(*)(id, SEL, NSEvent *, NSRect, NSView *, BOOL))TVReplaceInstanceMethod(
       cell, @selector(trackMouse:inRect:ofView:untilMouseUp:), (IMP)TVSegmentedTrackMouse);
+  TVReplaceInstanceMethod(cell, @selector(drawInteriorWithFrame:inView:),
+                          (IMP)TVSegmentedDrawInterior);
   TVReplaceInstanceMethod(cell, @selector(startTrackingAt:inView:), (IMP)TVSegmentedStartTracking);
   TVReplaceInstanceMethod(cell, @selector(continueTracking:at:inView:),
                           (IMP)TVSegmentedContinueTracking);

@@ -14,7 +14,6 @@
 #endif
 
 #include <cmath>
-#include <mutex>
 #include <unordered_set>
 
 namespace {
@@ -29,9 +28,9 @@ std::unordered_set<const void *> &ExplicitOrientation() {
   return cells;
 }
 
+// One of NSSliderCell's instance variables, by name.
 template <typename T>
 T &IvarRef(id object, const char *name) {
-  static_assert(sizeof(T) > 0, "");
   Ivar ivar = class_getInstanceVariable([NSSliderCell class], name);
   return *(T *)((char *)object + ivar_getOffset(ivar));
 }
@@ -39,10 +38,13 @@ T &IvarRef(id object, const char *name) {
 }  // namespace
 
 static NSRect &TrackRectIvar(NSSliderCell *cell) { return IvarRef<NSRect>(cell, "_trackRect"); }
-static BOOL &VerticalIvar(NSSliderCell *cell) { return IvarRef<BOOL>(cell, "_isVertical"); }
+// GNUstep stores 255 (-1 in a BOOL) for "not known yet": read it as a byte.
+static unsigned char &VerticalIvar(NSSliderCell *cell) {
+  return IvarRef<unsigned char>(cell, "_isVertical");
+}
 
 static BOOL TVSliderOrientationKnown(NSSliderCell *cell) {
-  BOOL stored = VerticalIvar(cell);
+  unsigned char stored = VerticalIvar(cell);
   return stored == 0 || stored == 1;
 }
 
@@ -92,7 +94,6 @@ static void TVSliderPrepare(NSSliderCell *cell) {
 
 static NSRect (*originalKnobRect)(id, SEL, BOOL) = NULL;
 static CGFloat (*originalKnobThickness)(id, SEL) = NULL;
-static NSInteger (*originalIsVertical)(id, SEL) = NULL;
 
 static NSRect TVSliderTrackRect(NSSliderCell *self, SEL _cmd) {
   TVSliderPrepare(self);
@@ -300,6 +301,17 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 
 #pragma mark - Installation
 
+@implementation NSSlider (TalvoPlatformGeometry)
+
+- (void)setVertical:(BOOL)vertical {
+  id cell = [self cell];
+  if ([cell isKindOfClass:[NSSliderCell class]]) {
+    [(NSSliderCell *)cell setVertical:vertical];
+  }
+}
+
+@end
+
 @implementation NSSliderCell (TalvoPlatformGeometry)
 
 - (NSRect)barRectFlipped:(BOOL)flipped {
@@ -318,7 +330,7 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 
 - (void)drawTickMarks {
   NSInteger count = [self numberOfTickMarks];
-  if (count <= 0) {
+  if (count <= 0 || [NSGraphicsContext currentContext] == nil) {
     return;
   }
   [NSGraphicsContext saveGraphicsState];
@@ -330,10 +342,9 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
 }
 
 + (void)load {
-  Class cell = [NSSliderCell class];
+  Class cell = objc_getClass("NSSliderCell");
   TVReplaceInstanceMethod(cell, @selector(trackRect), (IMP)TVSliderTrackRect);
-  originalIsVertical = (NSInteger(*)(id, SEL))TVReplaceInstanceMethod(
-      cell, @selector(isVertical), (IMP)TVSliderIsVertical);
+  TVReplaceInstanceMethod(cell, @selector(isVertical), (IMP)TVSliderIsVertical);
   originalKnobRect = (NSRect(*)(id, SEL, BOOL))TVReplaceInstanceMethod(
       cell, @selector(knobRectFlipped:), (IMP)TVSliderKnobRect);
   originalKnobThickness = (CGFloat(*)(id, SEL))TVReplaceInstanceMethod(
@@ -354,9 +365,9 @@ static void TVSliderSetCell(NSSlider *self, SEL _cmd, NSCell *cell) {
   originalSliderDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(cell, @selector(dealloc),
                                                                       (IMP)TVSliderDealloc);
   originalSliderInit = (id(*)(id, SEL, NSRect))TVReplaceInstanceMethod(
-      [NSSlider class], @selector(initWithFrame:), (IMP)TVSliderInitWithFrame);
+      objc_getClass("NSSlider"), @selector(initWithFrame:), (IMP)TVSliderInitWithFrame);
   originalSliderSetCell = (void (*)(id, SEL, NSCell *))TVReplaceInstanceMethod(
-      [NSSlider class], @selector(setCell:), (IMP)TVSliderSetCell);
+      objc_getClass("NSSlider"), @selector(setCell:), (IMP)TVSliderSetCell);
 }
 
 @end

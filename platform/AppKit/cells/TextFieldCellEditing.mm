@@ -84,13 +84,22 @@ static void TVEndEditing(NSCell *self, SEL _cmd, NSText *editor) {
   originalEndEditing(self, _cmd, editor);
 }
 
+static void (*originalDealloc)(id, SEL) = NULL;
+
+static void TVTextFieldDealloc(NSTextFieldCell *self, SEL _cmd) {
+  if (self == editingCell) {
+    editingCell = nil;
+  }
+  originalDealloc(self, _cmd);
+}
+
 @interface NSTextFieldCell (TalvoPlatformEditing)
 @end
 
 @implementation NSTextFieldCell (TalvoPlatformEditing)
 
 + (void)load {
-  Class cell = [NSTextFieldCell class];
+  Class cell = objc_getClass("NSTextFieldCell");
   originalEdit = (void (*)(id, SEL, NSRect, NSView *, NSText *, id, NSEvent *))TVReplaceInstanceMethod(
       cell, @selector(editWithFrame:inView:editor:delegate:event:), (IMP)TVEditWithFrame);
   originalSelect = (void (*)(id, SEL, NSRect, NSView *, NSText *, id, NSInteger, NSInteger))
@@ -100,6 +109,8 @@ static void TVEndEditing(NSCell *self, SEL _cmd, NSText *editor) {
       cell, @selector(drawInteriorWithFrame:inView:), (IMP)TVTextFieldDrawInterior);
   originalEndEditing = (void (*)(id, SEL, NSText *))TVReplaceInstanceMethod(
       cell, @selector(endEditing:), (IMP)TVEndEditing);
+  originalDealloc =
+      (void (*)(id, SEL))TVReplaceInstanceMethod(cell, @selector(dealloc), (IMP)TVTextFieldDealloc);
 }
 
 @end

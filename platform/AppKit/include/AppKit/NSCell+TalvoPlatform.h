@@ -33,6 +33,11 @@
 - (void)drawTickMarks;
 @end
 
+@interface NSSlider (TalvoPlatformGeometry)
+// Fixes its cell's orientation.
+- (void)setVertical:(BOOL)vertical;
+@end
+
 @interface NSSegmentedControl (TalvoPlatformTracking)
 - (NSSegmentSwitchTracking)trackingMode;
 - (void)setTrackingMode:(NSSegmentSwitchTracking)mode;
