@@ -376,14 +376,24 @@ TEST_F(TableRowViews, PlainRowViewsDrawTheStandardSelectionAndABackground) {
   NSTableRowView *row0 = [table_.get() rowViewAtRow:0 makeIfNecessary:NO];
   ASSERT_TRUE(row0 != nil);
   EXPECT_EQ([row0 class], [NSTableRowView class]);
-  EXPECT_TRUE([row0 isEmphasized]);
   EXPECT_TRUE([row0 isFlipped]);
-  EXPECT_EQ([row0 interiorBackgroundStyle], NSBackgroundStyleLight);
+  EXPECT_EQ([row0 numberOfColumns], 1);
+  // Emphasized while the table is the key window's first responder.
+  [window_.get() makeFirstResponder:table_];
   Select(0);
-  EXPECT_EQ([row0 interiorBackgroundStyle], NSBackgroundStyleDark);
   Owned<NSBitmapImageRep> rep(NewSnapshot());
+  EXPECT_TRUE([row0 isEmphasized]);
+  EXPECT_EQ([row0 interiorBackgroundStyle], NSBackgroundStyleEmphasized);
   NSColor *expected = [[NSColor selectedControlColor]
       colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+  EXPECT_PIXEL(RowPixel(rep, 0), (int)lround([expected redComponent] * 255),
+               (int)lround([expected greenComponent] * 255),
+               (int)lround([expected blueComponent] * 255), 255);
+  [window_.get() makeFirstResponder:nil];
+  rep.reset(NewSnapshot());
+  EXPECT_FALSE([row0 isEmphasized]);
+  EXPECT_EQ([row0 interiorBackgroundStyle], NSBackgroundStyleNormal);
+  expected = [[NSColor secondarySelectedControlColor] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
   EXPECT_PIXEL(RowPixel(rep, 0), (int)lround([expected redComponent] * 255),
                (int)lround([expected greenComponent] * 255),
                (int)lround([expected blueComponent] * 255), 255);
@@ -439,6 +449,16 @@ TEST_F(TableRowViews, AFadingSelectionRunsInsideTheTable) {
 
 TEST_F(TableRowViews, RowViewsOutsideAWindowAndBadInputDoNotRaise) {
   Owned<NSTableRowView> loose([[NSTableRowView alloc] initWithFrame:NSMakeRect(0, 0, 50, 10)]);
+  // AppKit's defaults.
+  EXPECT_FALSE([loose.get() isEmphasized]);
+  EXPECT_FALSE([loose.get() isSelected]);
+  EXPECT_FALSE([loose.get() isFloating]);
+  EXPECT_FALSE([loose.get() isGroupRowStyle]);
+  EXPECT_FALSE([loose.get() isTargetForDropOperation]);
+  EXPECT_EQ([loose.get() selectionHighlightStyle], NSTableViewSelectionHighlightStyleRegular);
+  EXPECT_EQ([loose.get() interiorBackgroundStyle], NSBackgroundStyleNormal);
+  EXPECT_EQ([loose.get() numberOfColumns], 0);
+  EXPECT_TRUE([loose.get() backgroundColor] == nil);
   [loose.get() setSelected:YES];
   [loose.get() setBackgroundColor:nil];
   [loose.get() setBackgroundColor:(NSColor *)@"not a colour"];

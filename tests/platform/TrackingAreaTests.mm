@@ -166,6 +166,28 @@ const NSPoint kInside = {100, 90};
 const NSPoint kInsideToo = {110, 95};
 const NSPoint kFarOutside = {250, 190};
 
+TEST(TrackingAreaOptions, HaveAppKitsValues) {
+  // GNUstep 0.29 numbers the activity options one bit too low.
+  EXPECT_EQ(NSTrackingMouseEnteredAndExited, 0x01);
+  EXPECT_EQ(NSTrackingMouseMoved, 0x02);
+  EXPECT_EQ(NSTrackingCursorUpdate, 0x04);
+  EXPECT_EQ(NSTrackingActiveWhenFirstResponder, 0x10);
+  EXPECT_EQ(NSTrackingActiveInKeyWindow, 0x20);
+  EXPECT_EQ(NSTrackingActiveInActiveApp, 0x40);
+  EXPECT_EQ(NSTrackingActiveAlways, 0x80);
+  EXPECT_EQ(NSTrackingAssumeInside, 0x100);
+  EXPECT_EQ(NSTrackingInVisibleRect, 0x200);
+  EXPECT_EQ(NSTrackingEnabledDuringMouseDrag, 0x400);
+  // An area made with AppKit's values keeps them, copies too.
+  Owned<NSTrackingArea> area([[NSTrackingArea alloc] initWithRect:NSMakeRect(1, 2, 3, 4)
+                                                          options:0x80 | 0x200 | 0x01
+                                                            owner:nil
+                                                         userInfo:nil]);
+  Owned<NSTrackingArea> copy([area.get() copy]);
+  EXPECT_EQ([copy.get() options], (NSTrackingAreaOptions)(0x80 | 0x200 | 0x01));
+  EXPECT_TRUE([copy.get() userInfo] == nil);
+}
+
 TEST_F(TrackingAreas, EnterMoveExitReachTheOwnerInOrderWithAreaAndUserInfo) {
   Owned<TVTrackingOwner> owner([TVTrackingOwner new]);
   NSDictionary *info = @{@"role" : @"hover"};

@@ -8,8 +8,13 @@
 #endif
 
 // GNUstep raises on truncated or empty files and answers an image with no
-// representations for others it cannot read: both are nil here.
+// representations for others it cannot read: both are nil here. Empty files
+// are not handed to it at all (its TIFF reader, tried last, leaks on them).
 static NSArray *TVRepsAtPath(NSString *path) {
+  NSDictionary *attributes = [[NSFileManager defaultManager] attributesOfItemAtPath:path error:NULL];
+  if (attributes == nil || [attributes fileSize] == 0) {
+    return nil;
+  }
   NSArray *reps = nil;
   @try {
     reps = [NSImageRep imageRepsWithContentsOfFile:path];

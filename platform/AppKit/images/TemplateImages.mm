@@ -36,13 +36,16 @@ static id TVImageCopy(NSImage *image, SEL selector, NSZone *zone) {
 
 @implementation _TVTemplateImageInstaller
 + (void)load {
-  // By name: messaging the class here would run its +initialize before any
-  // autorelease pool exists.
-  Class image = objc_getClass("NSImage");
+  // The class is initialised before its methods change (the runtime shares
+  // one dispatch table among classes not yet initialised), inside a pool of
+  // its own: none exists yet.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Class image = [NSImage class];
   originalImageDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
       image, @selector(dealloc), (IMP)TVImageDealloc);
   originalImageCopy = (id(*)(id, SEL, NSZone *))TVReplaceInstanceMethod(
       image, @selector(copyWithZone:), (IMP)TVImageCopy);
+  [pool drain];
 }
 @end
 

@@ -13,6 +13,10 @@
 #error "This file is manual reference counting only."
 #endif
 
+@interface NSTableRowView (TalvoTableDrawing)
+- (void)_tv_setEmphasizedWhileDrawing:(BOOL)emphasized;
+@end
+
 // Row views by row, per table (tables are not retained; they leave in their
 // dealloc). Main thread only.
 static std::unordered_map<NSTableView *, NSMutableDictionary *> rowViewsByTable;
@@ -139,10 +143,13 @@ static void TVHighlightSelection(NSTableView *table, SEL selector, NSRect clip) 
   }
   TVPlaceRowViews(table);
   TVSyncSelection(table);
+  NSWindow *window = [table window];
+  BOOL emphasized = [window isKeyWindow] && [window firstResponder] == table;
   NSMutableDictionary *rows = TVRowViews(table, NO);
   NSArray *keys = [[rows allKeys] sortedArrayUsingSelector:@selector(compare:)];
   for (NSNumber *row in keys) {
     NSTableRowView *rowView = [rows objectForKey:row];
+    [rowView _tv_setEmphasizedWhileDrawing:emphasized];
     NSRect frame = [rowView frame];
     NSRect dirty = NSIntersectionRect(frame, clip);
     if (NSIsEmptyRect(dirty)) {
@@ -221,9 +228,11 @@ static void TVObserveSelections(void) {
 
 @implementation _TVRowViewInstaller
 + (void)load {
-  // By name: messaging the class here would run its +initialize before any
-  // autorelease pool exists.
-  Class table = objc_getClass("NSTableView");
+  // The class is initialised before its methods change (the runtime shares
+  // one dispatch table among classes not yet initialised), inside a pool of
+  // its own: none exists yet.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Class table = [NSTableView class];
   originalHighlightSelection = (void (*)(id, SEL, NSRect))TVReplaceInstanceMethod(
       table, @selector(highlightSelectionInClipRect:), (IMP)TVHighlightSelection);
   originalReloadData =
@@ -232,6 +241,7 @@ static void TVObserveSelections(void) {
       table, @selector(setDelegate:), (IMP)TVSetDelegate);
   originalTableDealloc =
       (void (*)(id, SEL))TVReplaceInstanceMethod(table, @selector(dealloc), (IMP)TVTableDealloc);
+  [pool drain];
 }
 @end
 
@@ -241,16 +251,12 @@ static void TVObserveSelections(void) {
 
 @synthesize selectionHighlightStyle = _selectionHighlightStyle;
 @synthesize groupRowStyle = _groupRowStyle;
+@synthesize floating = _floating;
+@synthesize targetForDropOperation = _targetForDropOperation;
+@synthesize indentationForDropOperation = _indentationForDropOperation;
+@synthesize draggingDestinationFeedbackStyle = _draggingDestinationFeedbackStyle;
 @synthesize nextRowSelected = _nextRowSelected;
 @synthesize previousRowSelected = _previousRowSelected;
-
-- (instancetype)initWithFrame:(NSRect)frame {
-  self = [super initWithFrame:frame];
-  if (self != nil) {
-    _emphasized = YES;
-  }
-  return self;
-}
 
 - (void)dealloc {
   [_backgroundColor release];
@@ -296,7 +302,16 @@ static void TVObserveSelections(void) {
 }
 
 - (NSBackgroundStyle)interiorBackgroundStyle {
-  return (_selected && _emphasized) ? NSBackgroundStyleDark : NSBackgroundStyleLight;
+  return (_selected && _emphasized) ? NSBackgroundStyleEmphasized : NSBackgroundStyleNormal;
+}
+
+- (NSInteger)numberOfColumns {
+  NSView *table = [self superview];
+  return [table isKindOfClass:[NSTableView class]] ? [(NSTableView *)table numberOfColumns] : 0;
+}
+
+- (id)viewAtColumn:(NSInteger)column {
+  return nil;
 }
 
 - (BOOL)isFlipped {
@@ -368,6 +383,11 @@ static void TVObserveSelections(void) {
 
 - (NSView *)hitTest:(NSPoint)point {
   return nil;
+}
+
+// Set by the table while it draws: no redisplay (the drawing is under way).
+- (void)_tv_setEmphasizedWhileDrawing:(BOOL)emphasized {
+  _emphasized = emphasized;
 }
 
 @end

@@ -391,10 +391,13 @@ static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTracking
 
 @implementation _TVTrackingInstaller
 + (void)load {
-  // By name: messaging the classes here would run their +initialize before
-  // any autorelease pool exists.
-  Class view = objc_getClass("NSView");
-  Class window = objc_getClass("NSWindow");
+  // The classes are initialised before their methods change (the runtime
+  // shares one dispatch table among classes not yet initialised), inside a
+  // pool of its own: none exists yet.
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  Class view = [NSView class];
+  Class window = [NSWindow class];
+  Class area = [NSTrackingArea class];
   originalWindowSendEvent = (void (*)(id, SEL, NSEvent *))TVReplaceInstanceMethod(
       window, @selector(sendEvent:), (IMP)TVWindowSendEvent);
   originalWindowDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
@@ -418,8 +421,9 @@ static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTracking
   originalSetHidden = (void (*)(id, SEL, BOOL))TVReplaceInstanceMethod(
       view, @selector(setHidden:), (IMP)TVSetHidden);
   originalAreaInit = (id(*)(id, SEL, NSRect, NSTrackingAreaOptions, id, NSDictionary *))
-      TVReplaceInstanceMethod(objc_getClass("NSTrackingArea"),
-                              @selector(initWithRect:options:owner:userInfo:), (IMP)TVAreaInit);
+      TVReplaceInstanceMethod(area, @selector(initWithRect:options:owner:userInfo:),
+                              (IMP)TVAreaInit);
+  [pool drain];
 }
 @end
 

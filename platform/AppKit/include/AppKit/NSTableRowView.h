@@ -29,13 +29,30 @@ NS_ASSUME_NONNULL_BEGIN
 
 @class NSColor;
 
+/** AppKit's names for the two background styles GNUstep calls Light and Dark. */
+enum {
+  NSBackgroundStyleNormal = NSBackgroundStyleLight,
+  NSBackgroundStyleEmphasized = NSBackgroundStyleDark
+};
+
+typedef NS_ENUM(NSInteger, NSTableViewDraggingDestinationFeedbackStyle) {
+  NSTableViewDraggingDestinationFeedbackStyleNone = -1,
+  NSTableViewDraggingDestinationFeedbackStyleRegular = 0,
+  NSTableViewDraggingDestinationFeedbackStyleSourceList = 1,
+  NSTableViewDraggingDestinationFeedbackStyleGap = 2
+};
+
 @interface NSTableRowView : NSView {
  @private
   NSColor *_backgroundColor;
   NSTableViewSelectionHighlightStyle _selectionHighlightStyle;
+  NSTableViewDraggingDestinationFeedbackStyle _draggingDestinationFeedbackStyle;
+  CGFloat _indentationForDropOperation;
   BOOL _selected;
   BOOL _emphasized;
   BOOL _groupRowStyle;
+  BOOL _floating;
+  BOOL _targetForDropOperation;
   BOOL _nextRowSelected;
   BOOL _previousRowSelected;
 }
@@ -43,15 +60,22 @@ NS_ASSUME_NONNULL_BEGIN
 /** Whether the row is selected; the table sets it. Setting it redraws. */
 @property(nonatomic, assign, getter=isSelected) BOOL selected;
 
-/** Whether the selection draws in the emphasized colour. YES for a new
- * row view; the table leaves it as it is. */
+/** Whether the selection draws in the emphasized colour. NO for a new
+ * row view; a table sets it, each time it draws, to whether it is the first
+ * responder of the key window. */
 @property(nonatomic, assign, getter=isEmphasized) BOOL emphasized;
 
 /** The table's selection style, copied when the row view is placed. None
  * draws no selection. */
 @property(nonatomic, assign) NSTableViewSelectionHighlightStyle selectionHighlightStyle;
 
+/** Stored only (group and floating rows, drop feedback are not drawn). */
 @property(nonatomic, assign, getter=isGroupRowStyle) BOOL groupRowStyle;
+@property(nonatomic, assign, getter=isFloating) BOOL floating;
+@property(nonatomic, assign, getter=isTargetForDropOperation) BOOL targetForDropOperation;
+@property(nonatomic, assign) CGFloat indentationForDropOperation;
+@property(nonatomic, assign)
+    NSTableViewDraggingDestinationFeedbackStyle draggingDestinationFeedbackStyle;
 @property(nonatomic, assign, getter=isNextRowSelected) BOOL nextRowSelected;
 @property(nonatomic, assign, getter=isPreviousRowSelected) BOOL previousRowSelected;
 
@@ -59,8 +83,14 @@ NS_ASSUME_NONNULL_BEGIN
  * colour when it places the row view. nil fills nothing. */
 @property(nonatomic, copy, nullable) NSColor *backgroundColor;
 
-/** NSBackgroundStyleDark while selected and emphasized, else Light. */
+/** NSBackgroundStyleEmphasized while selected and emphasized, else Normal. */
 - (NSBackgroundStyle)interiorBackgroundStyle;
+
+/** The number of columns of the table the row view is in; 0 outside one. */
+- (NSInteger)numberOfColumns;
+
+/** nil: cell-based tables have no views per column. */
+- (nullable id)viewAtColumn:(NSInteger)column;
 
 /** Fills `dirtyRect` with backgroundColor (when set). */
 - (void)drawBackgroundInRect:(NSRect)dirtyRect;

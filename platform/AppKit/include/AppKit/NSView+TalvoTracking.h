@@ -14,13 +14,21 @@
  * The activity options decide when an area counts: ActiveAlways always,
  * ActiveInKeyWindow only while its window is key, ActiveInActiveApp and
  * ActiveWhenFirstResponder while the application is active (and, for the
- * latter, the view is first responder). NSTrackingInVisibleRect follows the
- * view's visibleRect instead of the area's rect; NSTrackingAssumeInside
- * makes the first event outside send mouseExited:. Entered/exited events
- * are sent before the mouseMoved: the window itself dispatches. Motion
- * during a mouse drag counts only with NSTrackingEnabledDuringMouseDrag.
- * updateTrackingAreas is sent to each view with areas when its frame or
- * window changes, before its areas are checked again.
+ * latter, the view is first responder); an area with none of them never
+ * counts, and one that stops counting while the mouse is inside sends
+ * mouseExited: at the next check. An area covers its rect within the
+ * view's visible rect (nothing while the view is hidden);
+ * NSTrackingInVisibleRect follows the visible rect instead of the area's
+ * rect; NSTrackingAssumeInside makes the first event outside send
+ * mouseExited:. Exits are sent before entries, and both before the
+ * mouseMoved: the window itself dispatches. Motion during a mouse drag
+ * counts only with NSTrackingEnabledDuringMouseDrag, and never sends
+ * mouseMoved:. Option values are AppKit's (see NSTrackingArea.h here).
+ *
+ * updateTrackingAreas is sent, once per run-loop turn, to each view that
+ * overrides it or has areas when it arrives in a window or its visible
+ * rect moves within the window (its own frame, an ancestor's, scrolling,
+ * hiding), before the areas are checked again.
  *
  * NSTrackingArea keeps its userInfo (GNUstep's initialiser dropped it).
  * Owners are not retained (as on macOS): remove an area before its owner

@@ -4,8 +4,10 @@
  * Sample layouts: RGB with 8 or 16 bits per component (24/32/48/64 bpp,
  * any alpha placement, premultiplied or not), gray with 1, 2, 4, 8 or 16
  * bits (8/16 with an alpha slot), alpha-only 8 bit; byte orders default,
- * 16/32 big and little. Image masks take 1, 2, 4 or 8 bits per sample; a
- * sample of 1 keeps paint out. Unsupported layouts make the create
+ * 16/32 big and little. Image masks take 1, 2, 4 or 8 bits per sample, or
+ * 8-bit samples in 16, 24 or 32-bit pixels (grey + alpha, RGB, RGBA/RGBX as
+ * bitmap contexts store them), where each pixel's grey level is its sample;
+ * a sample of 1 keeps paint out. Unsupported layouts make the create
  * functions answer NULL.
  * Not covered: float components, packed 5-5-5 and 10-bit formats, indexed,
  * CMYK and Lab images, decode arrays, rendering intents, masking colours,
