@@ -4,6 +4,20 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
+// The file's owner when there is none: GNUstep refuses a nil owner (it
+// raises), AppKit takes nil and connects nothing to it. Connections made to
+// this one go nowhere.
+@interface _VXNibNullOwner : NSObject
+@end
+
+@implementation _VXNibNullOwner
+- (void)setValue:(id)value forUndefinedKey:(NSString *)key {
+}
+- (id)valueForUndefinedKey:(NSString *)key {
+  return nil;
+}
+@end
+
 @implementation NSBundle (ObjectLoader)
 
 #pragma mark - Public
@@ -15,7 +29,8 @@
   @try {
     if ([nibName isKindOfClass:[NSString class]]) {
       nib = [[NSNib alloc] initWithNibNamed:nibName bundle:nil];
-      loaded = [nib instantiateNibWithOwner:nil topLevelObjects:&topLevelObjects];
+      _VXNibNullOwner *owner = [[[_VXNibNullOwner alloc] init] autorelease];
+      loaded = [nib instantiateNibWithOwner:owner topLevelObjects:&topLevelObjects];
     }
   } @catch (NSException *exception) {
     loaded = NO;

@@ -65,8 +65,9 @@ static talvo::windows::EdgeInsets TVCoreInsets(NSEdgeInsets insets) {
   NSImage *image = [[NSImage alloc] initWithSize:NSMakeSize(width, height)];
   [image addRepresentation:rep];
   [rep release];
-  // A window on no screen has no scale; its picture is taken as 1x.
-  CGFloat scale = TVBackingScale([self screen]);
+  // The window's backing scale is its screen's on AppKit; on GNUstep only
+  // the window knows it (screens answer 1 even at 2x).
+  CGFloat scale = [self backingScaleFactor];
   if (!(scale > 0.0)) {
     scale = 1.0;
   }

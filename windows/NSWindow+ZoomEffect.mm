@@ -33,8 +33,10 @@ static void TVPost(NSString *name, NSWindow *window) {
   [[NSNotificationCenter defaultCenter] postNotificationName:name object:window];
 }
 
-// A picture of a window that is not on screen: its content drawn offscreen.
-static NSImage *TVOffscreenPicture(NSWindow *window) {
+// A picture of a window that is not on screen (the window server has
+// none of an ordered-out window here): its content drawn offscreen, inside
+// a transparent margin as wide as the shadow's reach when asked.
+static NSImage *TVOffscreenPicture(NSWindow *window, BOOL withShadow) {
   NSView *view = [window contentView];
   NSRect bounds = [view bounds];
   if (view == nil || !(bounds.size.width >= 1.0) || !(bounds.size.height >= 1.0)) {
@@ -45,9 +47,29 @@ static NSImage *TVOffscreenPicture(NSWindow *window) {
     return nil;
   }
   [view cacheDisplayInRect:bounds toBitmapImageRep:rep];
-  NSImage *image = [[[NSImage alloc] initWithSize:bounds.size] autorelease];
-  [image addRepresentation:rep];
-  return image;
+  NSImage *content = [[[NSImage alloc] initWithSize:bounds.size] autorelease];
+  [content addRepresentation:rep];
+  if (!withShadow) {
+    return content;
+  }
+  NSEdgeInsets insets = [window shadowEdgeInsets];
+  NSSize size = NSMakeSize(bounds.size.width - insets.left - insets.right,
+                           bounds.size.height - insets.top - insets.bottom);
+  NSImage *framed = [[[NSImage alloc] initWithSize:size] autorelease];
+  [framed lockFocus];
+  [content drawInRect:NSMakeRect(-insets.left, -insets.bottom, bounds.size.width,
+                                 bounds.size.height)
+             fromRect:NSZeroRect
+            operation:NSCompositeSourceOver
+             fraction:1.0];
+  [framed unlockFocus];
+  return framed;
+}
+
+// The window server's picture, else the offscreen one.
+static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
+  NSImage *picture = [window screenshotByCapturingShadow:withShadow];
+  return picture != nil ? picture : TVOffscreenPicture(window, withShadow);
 }
 
 @implementation NSWindow (ZoomEffect)
@@ -91,7 +113,7 @@ static NSImage *TVOffscreenPicture(NSWindow *window) {
     _VXAnimationWindow *animationWindow =
         [[[_VXAnimationWindow alloc] initForWindow:window] autorelease];
     NSView *imageView = [animationWindow imageView];
-    [animationWindow setImage:[window screenshotByCapturingShadow:YES]];
+    [animationWindow setImage:TVEffectPicture(window, YES)];
     [imageView setFrame:start];
     [imageView setAlphaValue:0.0];
     [animationWindow makeKeyAndOrderFront:nil];
@@ -118,7 +140,7 @@ static NSImage *TVOffscreenPicture(NSWindow *window) {
           // Titled: the picture without its shadow lies over the window,
           // which fades in underneath it.
           [imageView setAlphaValue:1.0];
-          [animationWindow setImage:[window screenshotByCapturingShadow:NO]];
+          [animationWindow setImage:TVEffectPicture(window, NO)];
           [imageView setFrame:[window _transposedRectInScreen:[window frame]]];
           [window setAlphaValue:0.5];
           if (makeKey) {
@@ -172,7 +194,7 @@ static NSImage *TVOffscreenPicture(NSWindow *window) {
     NSView *imageView = [animationWindow imageView];
     NSRect end = [window shadowedFrame:targetRect fromScaledFrame:frameInScreen flipped:YES];
     NSRect start = [window shadowedFrame:frameInScreen flipped:YES];
-    [animationWindow setImage:[window screenshotByCapturingShadow:YES]];
+    [animationWindow setImage:TVEffectPicture(window, YES)];
     [imageView setFrame:start];
     [imageView setAnimations:[NSDictionary
                                  dictionaryWithObject:TVAlphaKeyframes(0.6, 1.0, 1.0, 0.0)
@@ -202,8 +224,7 @@ static NSImage *TVOffscreenPicture(NSWindow *window) {
 
   _VXAnimationWindow *animationWindow = [[_VXAnimationWindow alloc] initForWindow:window];
   // The picture fills the animation window, which follows the frames below.
-  NSImage *picture = [window isVisible] ? [window screenshotByCapturingShadow:NO] : nil;
-  [animationWindow setImage:picture ?: TVOffscreenPicture(window)];
+  [animationWindow setImage:TVEffectPicture(window, NO)];
   [animationWindow setFrame:frame display:YES];
   [animationWindow makeKeyAndOrderFront:nil];
   [animationWindow setWithAnimationFrame:popped duration:0.2 curve:NSAnimationEaseInOut];

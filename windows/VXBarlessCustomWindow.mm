@@ -71,7 +71,9 @@ static const NSUInteger kFullSizeContentViewMask = 1 << 15;
 }
 
 - (void)setContentView:(NSView *)view {
-  if (view != nil) {
+  // The window's own content view handed back (the frame view) would be
+  // added inside itself.
+  if (view != nil && view != _frameView) {
     [self _initFrameView];
     [view setTranslatesAutoresizingMaskIntoConstraints:NO];
     [_frameView addSubview:view];
@@ -115,7 +117,8 @@ static const NSUInteger kFullSizeContentViewMask = 1 << 15;
 }
 
 - (void)setContentTopMargin:(double)margin {
-  if (margin == _contentTopMargin) {
+  // A margin that is not a number would poison the frame view's layout.
+  if (!isfinite(margin) || margin == _contentTopMargin) {
     return;
   }
   _contentTopMargin = margin;

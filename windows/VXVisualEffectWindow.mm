@@ -22,9 +22,7 @@
     return [[[_VXWindowDrawingFrameView alloc] initWithFrame:rect] autorelease];
   }
   NSVisualEffectView *view = [[[NSVisualEffectView alloc] initWithFrame:rect] autorelease];
-  if (TVResponds(view, @selector(setAppearance:))) {
-    [view setAppearance:[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark]];
-  }
+  [view setAppearance:[NSAppearance appearanceNamed:NSAppearanceNameVibrantDark]];
   [view setMaterial:NSVisualEffectMaterialAppearanceBased];
   [view setBlendingMode:NSVisualEffectBlendingModeBehindWindow];
   [view setState:NSVisualEffectStateActive];

@@ -143,7 +143,7 @@ static void GatherPoints(void *info, const CGPathElement *element) {
   NSRectFill(target);
 
   // Shake: x of each point of the path, time running upward.
-  CAKeyframeAnimation *shake = [CAKeyframeAnimation shakeAnimationInFrame:NSMakeRect(560, 30, 400, 10)
+  CAKeyframeAnimation *shake = [CAKeyframeAnimation shakeAnimationInFrame:NSMakeRect(500, 30, 400, 10)
                                                                withVigour:0.1
                                                          andNumberOfShake:3];
   std::vector<NSPoint> points;
@@ -174,18 +174,14 @@ static NSImageView *WindowsPageImage(NSImage *image, NSRect frame) {
   return view;
 }
 
-// The pixels a window's frame view draws, rendered offscreen.
-static NSImage *WindowsPageFrameImage(NSWindow *window) {
-  NSView *frameView = [window contentView];
-  NSRect bounds = [frameView bounds];
-  NSBitmapImageRep *rep = [frameView bitmapImageRepForCachingDisplayInRect:bounds];
-  if (rep == nil) {
-    return nil;
-  }
-  [frameView cacheDisplayInRect:bounds toBitmapImageRep:rep];
-  NSImage *image = [[[NSImage alloc] initWithSize:bounds.size] autorelease];
-  [image addRepresentation:rep];
-  return image;
+// A window as the window server shows it: ordered in for the picture and
+// out again.
+static NSImage *WindowsPageCapture(NSWindow *window, BOOL withShadow) {
+  [window orderFront:nil];
+  [window display];
+  NSImage *picture = [window screenshotByCapturingShadow:withShadow];
+  [window orderOut:nil];
+  return picture;
 }
 
 @implementation WindowsPage
@@ -214,13 +210,13 @@ static NSImage *WindowsPageFrameImage(NSWindow *window) {
       [[VXBottomPopupWindow alloc] initWithContentRect:NSMakeRect(0, 0, 180, 90)
                                              styleMask:NSBorderlessWindowMask
                                                backing:NSBackingStoreBuffered
-                                                 defer:YES];
+                                                 defer:NO];
   [popup setContentView:GalleryLabel(@"  Bottom pop-up", NSMakeRect(0, 0, 10, 10))];
   VXVisualEffectWindow *dark =
       [[VXVisualEffectWindow alloc] initWithContentRect:NSMakeRect(0, 0, 180, 90)
                                               styleMask:NSBorderlessWindowMask
                                                 backing:NSBackingStoreBuffered
-                                                  defer:YES];
+                                                  defer:NO];
   NSTextField *darkLabel = GalleryLabel(@"  Vibrant dark", NSMakeRect(0, 0, 10, 10));
   [darkLabel setTextColor:[NSColor whiteColor]];
   [dark setContentView:darkLabel];
@@ -228,7 +224,7 @@ static NSImage *WindowsPageFrameImage(NSWindow *window) {
       [[VXBarlessCustomWindow alloc] initWithContentRect:NSMakeRect(0, 0, 180, 90)
                                                styleMask:NSBorderlessWindowMask
                                                  backing:NSBackingStoreBuffered
-                                                   defer:YES];
+                                                   defer:NO];
   [barless setContentView:GallerySwatch([NSColor colorWithCalibratedRed:0.35
                                                                  green:0.65
                                                                   blue:0.4
@@ -240,35 +236,33 @@ static NSImage *WindowsPageFrameImage(NSWindow *window) {
                                              @"Barless, top margin 20", nil];
   for (NSUInteger i = 0; i < [windows count]; ++i) {
     NSWindow *window = [windows objectAtIndex:i];
-    [[window contentView] layoutSubtreeIfNeeded];
+    [window setReleasedWhenClosed:NO];
+    [window setFrameOrigin:NSMakePoint(20 + 200 * i, 20)];
     NSRect slot = NSMakeRect(20 + 200 * i, top - 120, 180, 90);
-    [page addSubview:WindowsPageImage(WindowsPageFrameImage(window), slot)];
+    [page addSubview:WindowsPageImage(WindowsPageCapture(window, NO), slot)];
     [page addSubview:GalleryLabel([names objectAtIndex:i],
                                   NSMakeRect(NSMinX(slot), NSMinY(slot) - 20, 190, 18))];
     [window release];
   }
 
   // A window pictured by the window server, with and without its shadow.
-  NSWindow *subject = [[NSWindow alloc] initWithContentRect:NSMakeRect(60, 500, 160, 90)
+  NSWindow *subject = [[NSWindow alloc] initWithContentRect:NSMakeRect(60, 300, 160, 90)
                                                   styleMask:NSTitledWindowMask
                                                     backing:NSBackingStoreBuffered
                                                       defer:NO];
   [subject setReleasedWhenClosed:NO];
   [subject setContentView:GallerySwatch([NSColor orangeColor], NSZeroRect)];
-  [subject orderFront:nil];
-  [subject display];
-  NSImage *withShadow = [subject screenshotByCapturingShadow:YES];
-  NSImage *without = [subject screenshotByCapturingShadow:NO];
-  [subject orderOut:nil];
+  NSImage *withShadow = WindowsPageCapture(subject, YES);
+  NSImage *without = WindowsPageCapture(subject, NO);
   [subject release];
-  NSRect shadowSlot = NSMakeRect(620, top - 130, 90, 100);
-  NSRect plainSlot = NSMakeRect(620, top - 250, 90, 90);
+  NSRect shadowSlot = NSMakeRect(610, top - 140, 100, 120);
+  NSRect plainSlot = NSMakeRect(610, top - 260, 100, 90);
   [page addSubview:WindowsPageImage(withShadow, shadowSlot)];
   [page addSubview:WindowsPageImage(without, plainSlot)];
   [page addSubview:GalleryLabel(withShadow != nil ? @"with shadow" : @"(no picture)",
-                                NSMakeRect(620, top - 148, 100, 18))];
+                                NSMakeRect(615, top - 158, 100, 18))];
   [page addSubview:GalleryLabel(without != nil ? @"frame only" : @"(no picture)",
-                                NSMakeRect(620, top - 268, 100, 18))];
+                                NSMakeRect(615, top - 278, 100, 18))];
 
   // Zoom, bounce and shake.
   WindowsPageFilmstrip *strip =

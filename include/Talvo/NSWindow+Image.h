@@ -26,7 +26,7 @@ NS_ASSUME_NONNULL_BEGIN
  * sized in points: with the area of its shadow around it when
  * `captureShadow` is YES, the frame alone when NO. nil for a window that
  * is not on screen or when the window server gives no picture at least 2
- * pixels wide. A window on no screen is sized at scale 1. */
+ * pixels wide. Points are pixels over the window's backing scale. */
 - (nullable NSImage *)screenshotByCapturingShadow:(BOOL)captureShadow;
 
 @end

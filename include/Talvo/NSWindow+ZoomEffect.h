@@ -14,7 +14,9 @@ TALVO_EXTERN NSString *const VXWindowDidEndZoomEffect;
 /** Windows that grow out of a rect, shrink into one, or pop to the front.
  *
  * The effects never animate the window's own frame: a picture of the window
- * (with its shadow's area) is shown in a transparent, screen-sized
+ * (with its shadow's area; the window server's, or its content drawn
+ * offscreen where the window server has none, as for a window that is not
+ * on screen) is shown in a transparent, screen-sized
  * animation window one level above it, scaled between the window's frame
  * and the rect over 0.2 s, and the window is swapped in or out at the right
  * moment. Rects are global screen rects. The zoom calls return before the

@@ -24,7 +24,7 @@ NS_ASSUME_NONNULL_BEGIN
 + (NSView *)frameViewForRect:(NSRect)rect;
 
 /** The distance from the frame view's top to the client's view; 0 at
- * first. */
+ * first. Non-finite values are ignored. */
 @property(nonatomic, assign) double contentTopMargin;
 /** The client's content view: the frame view's first subview, or nil. */
 @property(nonatomic, readonly, nullable) NSView *actualContentView;

@@ -160,38 +160,54 @@ NSArray *ListedWindows(CGWindowListOption option, CGWindowID relativeTo) {
 
 #pragma mark - Pictures
 
-// Three box blurs of `radius` over an alpha-only buffer, each way, within
-// the rows and columns [x0, x1) x [y0, y1): close to a gaussian of about
-// radius * 1.7 standard deviation. Outside that area the buffer is zero.
-void BlurAlpha(uint8_t *pixels, int stride, int x0, int y0, int x1, int y1, int radius) {
-  if (radius < 1 || x1 <= x0 || y1 <= y0) {
+// One box blur of `radius` along a line of `count` values `step` apart,
+// zero beyond the ends; `line` is scratch of `count` values.
+void BoxBlurLine(uint8_t *values, ptrdiff_t step, int count, int radius, std::vector<int> &line) {
+  const int span = 2 * radius + 1;
+  for (int i = 0; i < count; i++) line[i] = values[i * step];
+  int sum = 0;
+  for (int i = 0; i <= radius && i < count; i++) sum += line[i];
+  for (int i = 0; i < count; i++) {
+    values[i * step] = (uint8_t)((sum + span / 2) / span);
+    if (i + radius + 1 < count) sum += line[i + radius + 1];
+    if (i - radius >= 0) sum -= line[i - radius];
+  }
+}
+
+// Three box blurs each way (close to a gaussian of 1.7 x radius) over an
+// alpha-only area. Columns run as rows of running sums, so the memory is
+// read in order.
+void BlurAlpha(uint8_t *pixels, int stride, int width, int height, int radius) {
+  if (radius < 1 || width <= 0 || height <= 0) {
     return;
   }
-  const int width = x1 - x0, height = y1 - y0, span = 2 * radius + 1;
-  std::vector<uint8_t> line(std::max(width, height));
+  const int span = 2 * radius + 1;
+  std::vector<int> line(std::max(width, height));
+  std::vector<int> sums(width);
+  std::vector<uint8_t> source((size_t)width * height);
   for (int pass = 0; pass < 3; pass++) {
-    for (int y = y0; y < y1; y++) {
-      uint8_t *row = pixels + (size_t)y * stride + x0;
-      std::copy(row, row + width, line.begin());
-      int sum = 0;
-      for (int i = 0; i <= radius && i < width; i++) sum += line[i];
-      for (int x = 0; x < width; x++) {
-        row[x] = (uint8_t)((sum + span / 2) / span);
-        int add = x + radius + 1, drop = x - radius;
-        if (add < width) sum += line[add];
-        if (drop >= 0) sum -= line[drop];
-      }
+    for (int y = 0; y < height; y++) {
+      BoxBlurLine(pixels + (size_t)y * stride, 1, width, radius, line);
     }
-    for (int x = x0; x < x1; x++) {
-      uint8_t *column = pixels + (size_t)y0 * stride + x;
-      for (int y = 0; y < height; y++) line[y] = column[(size_t)y * stride];
-      int sum = 0;
-      for (int i = 0; i <= radius && i < height; i++) sum += line[i];
-      for (int y = 0; y < height; y++) {
-        column[(size_t)y * stride] = (uint8_t)((sum + span / 2) / span);
-        int add = y + radius + 1, drop = y - radius;
-        if (add < height) sum += line[add];
-        if (drop >= 0) sum -= line[drop];
+    for (int y = 0; y < height; y++) {
+      std::copy(pixels + (size_t)y * stride, pixels + (size_t)y * stride + width,
+                source.begin() + (size_t)y * width);
+    }
+    std::fill(sums.begin(), sums.end(), 0);
+    for (int y = 0; y <= radius && y < height; y++) {
+      const uint8_t *row = &source[(size_t)y * width];
+      for (int x = 0; x < width; x++) sums[x] += row[x];
+    }
+    for (int y = 0; y < height; y++) {
+      uint8_t *out = pixels + (size_t)y * stride;
+      for (int x = 0; x < width; x++) out[x] = (uint8_t)((sums[x] + span / 2) / span);
+      if (y + radius + 1 < height) {
+        const uint8_t *add = &source[(size_t)(y + radius + 1) * width];
+        for (int x = 0; x < width; x++) sums[x] += add[x];
+      }
+      if (y - radius >= 0) {
+        const uint8_t *drop = &source[(size_t)(y - radius) * width];
+        for (int x = 0; x < width; x++) sums[x] -= drop[x];
       }
     }
   }
@@ -210,37 +226,157 @@ void PaintBuffer(cairo_t *cr, cairo_surface_t *buffer, double x, double y, cairo
   cairo_surface_set_device_offset(buffer, ox, oy);
 }
 
-// The window's shadow under where it will be painted at (x, y), w x h
-// pixels, on `target` (ARGB32, W x H): its alpha, moved down, blurred,
-// laid down in black.
-void PaintShadow(cairo_surface_t *target, cairo_surface_t *buffer, int x, int y, int w, int h,
-                 double scale) {
+// Copies the window's pixels to (x, y) of `target`. cairo reads an X
+// drawable fastest (shared memory) into an image of exactly its size at
+// the origin, so the read goes into an image over that part of the
+// target's memory when the window lies wholly inside it.
+void FetchInto(cairo_surface_t *target, cairo_surface_t *buffer, int x, int y, int w, int h) {
   const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
-  const int radius = std::max(1, (int)std::lround(kShadowRadius * scale / 3.0));
-  const int reach = 3 * radius;
-  const int dy = (int)std::lround(kShadowOffset * scale);
-  const int x0 = std::max(0, x - reach), y0 = std::max(0, y + dy - reach);
-  const int x1 = std::min(W, x + w + reach), y1 = std::min(H, y + dy + h + reach);
+  cairo_surface_flush(target);
+  if (x >= 0 && y >= 0 && x + w <= W && y + h <= H) {
+    const int stride = cairo_image_surface_get_stride(target);
+    uint8_t *origin = cairo_image_surface_get_data(target) + (size_t)y * stride + (size_t)x * 4;
+    cairo_surface_t *part = cairo_image_surface_create_for_data(origin, CAIRO_FORMAT_ARGB32, w, h, stride);
+    cairo_t *cr = cairo_create(part);
+    PaintBuffer(cr, buffer, 0, 0, CAIRO_OPERATOR_SOURCE);
+    cairo_destroy(cr);
+    cairo_surface_finish(part);
+    cairo_surface_destroy(part);
+    cairo_surface_mark_dirty(target);
+    return;
+  }
+  cairo_t *cr = cairo_create(target);
+  cairo_rectangle(cr, x, y, w, h);
+  cairo_clip(cr);
+  PaintBuffer(cr, buffer, x, y, CAIRO_OPERATOR_SOURCE);
+  cairo_destroy(cr);
+  cairo_surface_flush(target);
+}
+
+// The window's pixels as an image (one read from the server).
+cairo_surface_t *CopyWindow(cairo_surface_t *buffer, int width, int height) {
+  cairo_surface_t *copy = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+  if (cairo_surface_status(copy) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(copy);
+    return nullptr;
+  }
+  cairo_t *cr = cairo_create(copy);
+  PaintBuffer(cr, buffer, 0, 0, CAIRO_OPERATOR_SOURCE);
+  cairo_destroy(cr);
+  cairo_surface_flush(copy);
+  return copy;
+}
+
+// The shadow's geometry on the target, in pixels.
+struct ShadowShape {
+  int radius, reach, dy;
+};
+
+ShadowShape ShapeAt(double scale) {
+  ShadowShape shape;
+  shape.radius = std::max(1, (int)std::lround(kShadowRadius * scale / 3.0));
+  shape.reach = 3 * shape.radius;
+  shape.dy = (int)std::lround(kShadowOffset * scale);
+  return shape;
+}
+
+// An opaque window's shadow is a blurred rectangle: the product of two
+// blurred edges, computed along one row and one column and laid down only
+// where the window will not cover it.
+void PaintRectShadow(cairo_surface_t *target, int x, int y, int w, int h, ShadowShape shape) {
+  const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
+  const int top = y + shape.dy;
+  std::vector<uint8_t> across(W, 0), down(H, 0);
+  for (int i = std::max(0, x); i < std::min(W, x + w); i++) across[i] = 255;
+  for (int i = std::max(0, top); i < std::min(H, top + h); i++) down[i] = 255;
+  std::vector<int> line(std::max(W, H));
+  for (int pass = 0; pass < 3; pass++) {
+    BoxBlurLine(across.data(), 1, W, shape.radius, line);
+    BoxBlurLine(down.data(), 1, H, shape.radius, line);
+  }
+  cairo_surface_flush(target);
+  uint8_t *data = cairo_image_surface_get_data(target);
+  const int stride = cairo_image_surface_get_stride(target);
+  // alpha = across x down x opacity / 255, in 24-bit fixed point.
+  const uint64_t scale = (uint64_t)std::llround(kShadowOpacity * (1 << 24) / 255.0);
+  const int y0 = std::max(0, top - shape.reach), y1 = std::min(H, top + h + shape.reach);
+  const int x0 = std::max(0, x - shape.reach), x1 = std::min(W, x + w + shape.reach);
+  auto shade = [&](uint32_t *pixels, int row, int from, int to) {
+    for (int col = std::max(from, x0); col < std::min(to, x1); col++) {
+      uint32_t alpha = (uint32_t)(((uint64_t)across[col] * down[row] * scale + (1 << 23)) >> 24);
+      uint32_t d = pixels[col];
+      if (d == 0) {  // the clear margin, as a rule
+        pixels[col] = alpha << 24;
+        continue;
+      }
+      if (alpha == 0) continue;
+      // Black over what is there (premultiplied).
+      uint32_t keep = 255 - alpha;
+      uint32_t a = alpha + (((d >> 24) * keep + 127) / 255);
+      uint32_t r = (((d >> 16) & 255) * keep + 127) / 255, g = (((d >> 8) & 255) * keep + 127) / 255,
+               b = ((d & 255) * keep + 127) / 255;
+      pixels[col] = (a << 24) | (r << 16) | (g << 8) | b;
+    }
+  };
+  for (int row = y0; row < y1; row++) {
+    uint32_t *pixels = (uint32_t *)(data + (size_t)row * stride);
+    if (row >= y && row < y + h) {
+      // Beside the window only: under it nothing shows.
+      shade(pixels, row, x0, x);
+      shade(pixels, row, x + w, x1);
+    } else {
+      shade(pixels, row, x0, x1);
+    }
+  }
+  cairo_surface_mark_dirty(target);
+}
+
+// Any other window's shadow: the alpha of `source` (the window's pixels,
+// whose top-left lies at (x, y) of the target), moved down, blurred and
+// laid down in black with `op`.
+void PaintAlphaShadow(cairo_surface_t *target, cairo_surface_t *source, int x, int y, int w, int h,
+                      ShadowShape shape, cairo_operator_t op) {
+  const int W = cairo_image_surface_get_width(target), H = cairo_image_surface_get_height(target);
+  const int x0 = std::max(0, x - shape.reach), y0 = std::max(0, y + shape.dy - shape.reach);
+  const int x1 = std::min(W, x + w + shape.reach), y1 = std::min(H, y + shape.dy + h + shape.reach);
   if (x1 <= x0 || y1 <= y0) {
     return;
   }
-  cairo_surface_t *mask = cairo_image_surface_create(CAIRO_FORMAT_A8, W, H);
+  cairo_surface_t *mask = cairo_image_surface_create(CAIRO_FORMAT_A8, x1 - x0, y1 - y0);
   if (cairo_surface_status(mask) != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(mask);
     return;
   }
   cairo_t *m = cairo_create(mask);
-  PaintBuffer(m, buffer, x, y + dy, CAIRO_OPERATOR_SOURCE);
+  cairo_set_operator(m, CAIRO_OPERATOR_SOURCE);
+  cairo_set_source_surface(m, source, x - x0, y + shape.dy - y0);
+  cairo_paint(m);
   cairo_destroy(m);
   cairo_surface_flush(mask);
-  BlurAlpha(cairo_image_surface_get_data(mask), cairo_image_surface_get_stride(mask), x0, y0, x1, y1,
-            radius);
+  BlurAlpha(cairo_image_surface_get_data(mask), cairo_image_surface_get_stride(mask), x1 - x0, y1 - y0,
+            shape.radius);
   cairo_surface_mark_dirty(mask);
   cairo_t *cr = cairo_create(target);
+  cairo_set_operator(cr, op);
   cairo_set_source_rgba(cr, 0, 0, 0, kShadowOpacity);
-  cairo_mask_surface(cr, mask, 0, 0);
+  cairo_mask_surface(cr, mask, x0, y0);
   cairo_destroy(cr);
   cairo_surface_destroy(mask);
+}
+
+// Whether the part of `image` in the rect (x, y, w, h) is opaque.
+bool IsOpaque(cairo_surface_t *image, int x, int y, int w, int h) {
+  const int W = cairo_image_surface_get_width(image), H = cairo_image_surface_get_height(image);
+  const int stride = cairo_image_surface_get_stride(image);
+  const uint8_t *data = cairo_image_surface_get_data(image);
+  const int x0 = std::max(0, x), x1 = std::min(W, x + w), y0 = std::max(0, y), y1 = std::min(H, y + h);
+  for (int row = y0; row < y1; row++) {
+    const uint32_t *pixels = (const uint32_t *)(data + (size_t)row * stride);
+    uint32_t all = 0xff000000u;
+    for (int col = x0; col < x1; col++) all &= pixels[col];
+    if ((all & 0xff000000u) != 0xff000000u) return false;
+  }
+  return true;
 }
 
 struct Source {
@@ -321,19 +457,44 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     cairo_surface_destroy(target);
     return nullptr;
   }
-  // Back to front: the array's first window ends up on top.
+  // Back to front: the array's first window ends up on top. A lone window
+  // is copied straight in and its shadow put under it; among several, each
+  // window's shadow goes over what lies below it, then the window.
+  const bool alone = sources.size() == 1;
   for (auto s = sources.rbegin(); s != sources.rend(); ++s) {
     const int x = (int)(left + px(s->bounds.origin.x - first.bounds.origin.x));
     const int y = (int)(top + px(s->bounds.origin.y - first.bounds.origin.y));
-    if (framing && [s->window hasShadow]) {
-      PaintShadow(target, s->buffer, x, y, s->width, s->height, s->scale);
+    const bool shadow = framing && [s->window hasShadow];
+    const ShadowShape shape = ShapeAt(s->scale);
+    if (alone) {
+      FetchInto(target, s->buffer, x, y, s->width, s->height);
+      // As the window server does, an opaque window casts the shadow of its
+      // frame; only a non-opaque one is read for its shape.
+      if (shadow && ([s->window isOpaque] || IsOpaque(target, x, y, s->width, s->height))) {
+        PaintRectShadow(target, x, y, s->width, s->height, shape);
+      } else if (shadow) {
+        PaintAlphaShadow(target, target, 0, 0, cairo_image_surface_get_width(target),
+                         cairo_image_surface_get_height(target), shape, CAIRO_OPERATOR_DEST_OVER);
+      }
+      continue;
+    }
+    cairo_surface_t *copy = CopyWindow(s->buffer, s->width, s->height);
+    if (copy == nullptr) {
+      continue;
+    }
+    const bool opaque = [s->window isOpaque] || IsOpaque(copy, 0, 0, s->width, s->height);
+    if (shadow && opaque) {
+      PaintRectShadow(target, x, y, s->width, s->height, shape);
+    } else if (shadow) {
+      PaintAlphaShadow(target, copy, x, y, s->width, s->height, shape, CAIRO_OPERATOR_OVER);
     }
     cairo_t *cr = cairo_create(target);
-    // A lone window is copied as it is; later ones go over what lies below.
-    PaintBuffer(cr, s->buffer, x, y,
-                sources.size() == 1 && !(framing && [s->window hasShadow]) ? CAIRO_OPERATOR_SOURCE
-                                                                           : CAIRO_OPERATOR_OVER);
+    cairo_set_operator(cr, opaque ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
+    cairo_set_source_surface(cr, copy, x, y);
+    cairo_rectangle(cr, x, y, s->width, s->height);
+    cairo_fill(cr);
     cairo_destroy(cr);
+    cairo_surface_destroy(copy);
   }
   cairo_surface_flush(target);
   cairo_surface_destroy(target);

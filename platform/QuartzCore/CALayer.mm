@@ -41,6 +41,23 @@ static void TVReleaseContents(id contents) {
   }
 }
 
+@interface NSObject (TVLayerHost)
+- (void)_tv_layerNeedsDisplay:(CALayer *)layer;
+@end
+
+// Tells whoever shows the tree (a layer-backed view, as the root layer's
+// delegate) that it looks different now.
+static void TVLayerChanged(CALayer *layer) {
+  CALayer *root = layer;
+  while ([root superlayer] != nil) {
+    root = [root superlayer];
+  }
+  id delegate = [root delegate];
+  if ([delegate respondsToSelector:@selector(_tv_layerNeedsDisplay:)]) {
+    [delegate _tv_layerNeedsDisplay:layer];
+  }
+}
+
 // Keys whose changes run an action by default.
 static BOOL TVIsImplicitlyAnimatedKey(NSString *key) {
   return [key isEqualToString:@"bounds"] || [key isEqualToString:@"position"] ||
@@ -258,6 +275,9 @@ int ValueComponents(id value, double out[4]) {
     return;
   }
   [self _tv_changeKey:@"opacity" by:^{ self->_opacity = opacity; }];
+  if (_modelLayer == nil) {
+    TVLayerChanged(self);
+  }
 }
 
 #pragma mark - Appearance
@@ -270,6 +290,9 @@ int ValueComponents(id value, double out[4]) {
   id old = _contents;
   _contents = TVRetainContents(contents);
   TVReleaseContents(old);
+  if (_modelLayer == nil) {
+    TVLayerChanged(self);
+  }
 }
 
 - (NSString *)contentsGravity {
@@ -283,6 +306,9 @@ int ValueComponents(id value, double out[4]) {
   NSString *old = _contentsGravity;
   _contentsGravity = [gravity copy];
   [old release];
+  if (_modelLayer == nil) {
+    TVLayerChanged(self);
+  }
 }
 
 - (CGColorRef)backgroundColor {
@@ -293,6 +319,9 @@ int ValueComponents(id value, double out[4]) {
   CGColorRef old = _backgroundColor;
   _backgroundColor = CGColorRetain(color);
   CGColorRelease(old);
+  if (_modelLayer == nil) {
+    TVLayerChanged(self);
+  }
 }
 
 #pragma mark - Sublayers
@@ -325,6 +354,7 @@ int ValueComponents(id value, double out[4]) {
   }
   [_sublayers insertObject:layer atIndex:MIN((NSUInteger)index, [_sublayers count])];
   layer->_superlayer = self;
+  TVLayerChanged(self);
 }
 
 - (void)removeFromSuperlayer {
@@ -334,6 +364,7 @@ int ValueComponents(id value, double out[4]) {
   }
   _superlayer = nil;
   [parent->_sublayers removeObjectIdenticalTo:self];
+  TVLayerChanged(parent);
 }
 
 #pragma mark - Undeclared keys
@@ -375,6 +406,7 @@ int ValueComponents(id value, double out[4]) {
                                                key:trackKey
                                               host:self
                                   presentedAtStart:presented];
+  track->_appliesValues = YES;  // every frame marks the tree's view for display
   [_animationTracks setObject:track forKey:trackKey];
   [_animationKeys addObject:trackKey];
   [track start];
@@ -619,9 +651,11 @@ static BOOL TVIsActionOrNull(id object) {
 }
 
 - (void)_tv_animationTrack:(_TVAnimationTrack *)track showsValue:(id)value {
+  TVLayerChanged(self);
 }
 
 - (void)_tv_animationTrackDidEnd:(_TVAnimationTrack *)track finished:(BOOL)finished {
+  TVLayerChanged(self);
   if (!finished || [track->_animation isRemovedOnCompletion]) {
     [self _tv_forgetTrack:track];
   }

@@ -10,6 +10,13 @@
 #include <algorithm>
 #include <cmath>
 
+// A layer's delegate that draws into it: a view whose backing layer it is
+// (its drawRect: and its subviews), implemented on the AppKit side.
+@interface NSObject (TVLayerHostedDrawing)
+- (BOOL)_tv_drawsIntoLayer:(CALayer *)layer;
+- (void)_tv_drawIntoLayer:(CALayer *)layer context:(CGContextRef)c;
+@end
+
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
@@ -135,9 +142,20 @@ bool SpaceIsFlipped(CGContextRef c) {
   return image;
 }
 
+// The view that draws into this layer, if any.
+- (id)_tv_drawingDelegate {
+  CALayer *model = _modelLayer != nil ? _modelLayer : self;
+  id delegate = model->_delegate;
+  return [delegate respondsToSelector:@selector(_tv_drawsIntoLayer:)] &&
+                 [delegate _tv_drawsIntoLayer:model]
+             ? delegate
+             : nil;
+}
+
 // How many things the layer and its sublayers draw, counted up to `limit`.
 - (int)_tv_partCountUpTo:(int)limit {
   int count = 0;
+  if ([self _tv_drawingDelegate] != nil) return limit;  // a view draws any number
   if (_backgroundColor != NULL) count++;
   if (_contents != nil) count++;  // an estimate: unusable contents still count
   for (CALayer *sublayer in [self _tv_renderedSublayers]) {
@@ -149,7 +167,9 @@ bool SpaceIsFlipped(CGContextRef c) {
 
 // The area the layer and its sublayers may draw in, in the layer's space.
 - (CGRect)_tv_drawnBoundsFlip:(BOOL)ownFlip {
-  CGRect area = (_backgroundColor != NULL || _contents != nil) ? _bounds : CGRectNull;
+  CGRect area = (_backgroundColor != NULL || _contents != nil || [self _tv_drawingDelegate] != nil)
+                    ? _bounds
+                    : CGRectNull;
   if (_masksToBounds) {
     return _bounds;
   }
@@ -189,7 +209,7 @@ bool SpaceIsFlipped(CGContextRef c) {
       [self _tv_renderGroupIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip]) {
     return;
   }
-  [self _tv_drawIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip sublayers:YES];
+  [self _tv_drawIn:c alpha:alpha * opacity rect:rect ownFlip:ownFlip content:YES sublayers:YES];
 }
 
 // The layer and its sublayers drawn offscreen at device resolution, then
@@ -224,7 +244,7 @@ bool SpaceIsFlipped(CGContextRef c) {
   CGContextTranslateCTM(group, -device.origin.x, -device.origin.y);
   CGContextConcatCTM(group, ctm);
   CGContextSetInterpolationQuality(group, CGContextGetInterpolationQuality(c));
-  [self _tv_drawIn:group alpha:1 rect:rect ownFlip:ownFlip sublayers:YES];
+  [self _tv_drawIn:group alpha:1 rect:rect ownFlip:ownFlip content:YES sublayers:YES];
   CGImageRef image = CGBitmapContextCreateImage(group);
   CGContextRelease(group);
   if (image) {
@@ -243,18 +263,19 @@ bool SpaceIsFlipped(CGContextRef c) {
              alpha:(CGFloat)alpha
               rect:(CGRect)rect
            ownFlip:(BOOL)ownFlip
+           content:(BOOL)drawContent
          sublayers:(BOOL)drawSublayers {
   CGContextSaveGState(c);
   if (_masksToBounds) {
     CGContextClipToRect(c, rect);
   }
   CGContextSetAlpha(c, alpha);
-  if (_backgroundColor != NULL && rect.size.width > 0 && rect.size.height > 0) {
+  if (drawContent && _backgroundColor != NULL && rect.size.width > 0 && rect.size.height > 0) {
     CGContextSetFillColorWithColor(c, _backgroundColor);
     CGContextFillRect(c, rect);
   }
   CGSize size = CGSizeZero;
-  CGImageRef image = _contents != nil ? [self _tv_contentsImageWithSize:&size] : NULL;
+  CGImageRef image = drawContent && _contents != nil ? [self _tv_contentsImageWithSize:&size] : NULL;
   if (image && rect.size.width > 0 && rect.size.height > 0) {
     CGContextSaveGState(c);
     if (SpaceIsFlipped(c)) {
@@ -267,6 +288,13 @@ bool SpaceIsFlipped(CGContextRef c) {
                                size.height * (_bounds.size.height > 0 ? rect.size.height / _bounds.size.height : 1));
     CGRect placed = GravityRect(_contentsGravity, rect, scaled);
     CGContextDrawImage(c, placed, image);
+    CGContextRestoreGState(c);
+  }
+  id view = drawContent ? [self _tv_drawingDelegate] : nil;
+  if (view != nil && rect.size.width > 0 && rect.size.height > 0) {
+    CGContextSaveGState(c);
+    CGContextTranslateCTM(c, rect.origin.x, rect.origin.y);
+    [view _tv_drawIntoLayer:(_modelLayer != nil ? _modelLayer : self) context:c];
     CGContextRestoreGState(c);
   }
   NSArray *sublayers = drawSublayers ? [self _tv_renderedSublayers] : nil;
@@ -293,12 +321,22 @@ bool SpaceIsFlipped(CGContextRef c) {
 
 @implementation CALayer (TalvoRenderingPrivate)
 
-- (void)_tv_renderContentsInContext:(CGContextRef)c
-                             inRect:(CGRect)rect
-                          sublayers:(BOOL)sublayers {
+- (void)_tv_renderTreeInContext:(CGContextRef)c inRect:(CGRect)rect {
+  if (!c || !Finite(rect) || ![self _tv_isDrawable]) return;
+  @try {
+    [self _tv_renderIn:c alpha:1 rect:rect ownFlip:NO withOpacity:YES];
+  } @catch (NSException *exception) {
+    NSLog(@"CALayer: rendering stopped: %@", exception);
+  }
+}
+
+- (void)_tv_renderInContext:(CGContextRef)c
+                     inRect:(CGRect)rect
+                    content:(BOOL)content
+                  sublayers:(BOOL)sublayers {
   if (!c || !Finite(rect) || !Finite(_bounds)) return;
   @try {
-    [self _tv_drawIn:c alpha:1 rect:rect ownFlip:NO sublayers:sublayers];
+    [self _tv_drawIn:c alpha:1 rect:rect ownFlip:NO content:content sublayers:sublayers];
   } @catch (NSException *exception) {
     NSLog(@"CALayer: rendering stopped: %@", exception);
   }

@@ -72,8 +72,11 @@ TEST_F(CustomWindow, ContentViewSitsInsideTheFrameViewBelowTheMargin) {
   [window display];
   EXPECT_RECT_NEAR([client.get() frame], 0, 0, 300, 170);
 
-  // Setting nil keeps the frame view and what it holds.
+  // Setting nil, or the frame view itself, keeps the frame view and what
+  // it holds.
   [window setContentView:nil];
+  [window setContentView:frameView];
+  EXPECT_EQ([frameView superview], [window frameView]);
   EXPECT_EQ([window contentView], frameView);
   EXPECT_EQ([client.get() superview], frameView);
 
@@ -202,15 +205,15 @@ TEST_F(CustomWindow, VisualEffectWindowNewerLookIsAVibrantEffectView) {
   ASSERT_TRUE([effect isKindOfClass:[NSVisualEffectView class]]);
   EXPECT_EQ([effect material], 0);
   EXPECT_EQ([effect blendingMode], 0);
-  // GNUstep 0.29's effect view keeps no state; the platform's does.
-  Owned<NSVisualEffectView> probe([[NSVisualEffectView alloc] initWithFrame:NSZeroRect]);
-  [probe.get() setState:NSVisualEffectStateActive];
-  if ([probe.get() state] == NSVisualEffectStateActive) {
-    EXPECT_EQ([effect state], 1);
-  }
-  if ([effect respondsToSelector:@selector(appearance)]) {
-    EXPECT_NSEQ([(id)[(NSView *)effect appearance] name], NSAppearanceNameVibrantDark);
-  }
+  EXPECT_EQ([effect state], 1);
+  EXPECT_NSEQ([[effect appearance] name], NSAppearanceNameVibrantDark);
+  // The window's own drawRect: adds nothing; the effect view fills it with
+  // a dark, opaque material.
+  [window orderFront:nil];
+  Owned<NSBitmapImageRep> rep(NewViewSnapshot(effect));
+  Pixel middle = SnapshotPixel(rep, 80, 45);
+  EXPECT_EQ(middle.a, 255);
+  EXPECT_LT(middle.r + middle.g + middle.b, 3 * 128) << "dark";
   EXPECT_NSEQ([window backgroundColor], [NSColor colorWithCalibratedWhite:0.12 alpha:1.0]);
 }
 
@@ -222,4 +225,39 @@ TEST_F(CustomWindow, OrderingFrontSwitchesLayersOffOnThePlatformFrame) {
   [[window frameView] setWantsLayer:YES];
   [window makeKeyAndOrderFront:nil];
   EXPECT_FALSE([[window frameView] wantsLayer]);
+}
+
+TEST_F(CustomWindow, BottomPopupHoldsUpToOddSizesAndContent) {
+  // Sizes from nothing to a sliver to large, and contents set, replaced and
+  // cleared: it always draws and lays out without trouble.
+  const NSSize sizes[] = {{0, 0}, {1, 1}, {9, 4}, {12, 12}, {640, 30}};
+  for (NSSize size : sizes) {
+    VXBottomPopupWindow *popup =
+        Make<VXBottomPopupWindow>(NSMakeRect(200, 200, size.width, size.height));
+    Owned<NSView> first([[NSView alloc] initWithFrame:NSZeroRect]);
+    Owned<NSView> second([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 50, 50)]);
+    [popup setContentView:first];
+    [popup setContentView:second];
+    [popup setContentView:nil];
+    // Each view joins the one frame view; the first subview (the view
+    // NSWindow installed) stays the client.
+    NSArray *subviews = [[popup contentView] subviews];
+    ASSERT_EQ([subviews count], 3u);
+    EXPECT_EQ([subviews objectAtIndex:1], first.get());
+    EXPECT_EQ([popup actualContentView], [subviews objectAtIndex:0]);
+    [popup setContentTopMargin:NAN];
+    [popup setContentTopMargin:INFINITY];
+    EXPECT_EQ([popup contentTopMargin], 5.0);
+    [popup setContentTopMargin:-3];
+    EXPECT_EQ([popup contentTopMargin], -3.0);
+    [popup orderFront:nil];
+    [popup display];
+    [popup orderOut:nil];
+  }
+  VXBottomPopupWindow *empty = Make<VXBottomPopupWindow>(NSMakeRect(0, 0, 20, 20));
+  EXPECT_NE([empty actualContentView], nil) << "the view NSWindow installs is the first client";
+  EXPECT_RECT_NEAR([empty frameRectForContentRect:NSMakeRect(0, 0, -5, -5)], 0, 0, -5, 0);
+  Owned<VXBarlessCustomWindow> plain([[VXBarlessCustomWindow alloc] init]);
+  EXPECT_NE([plain.get() contentView], nil);
+  EXPECT_TRUE(NSEqualRects([plain.get() bounds], [[plain.get() frameView] bounds]));
 }

@@ -9,6 +9,56 @@
 
 #import "WindowTestSupport.h"
 
+// An alert whose sheet is run by the test: it records what the sheet was
+// begun with and ends it as AppKit does, by sending the end selector to the
+// modal delegate. (GNUstep's alert sheets run a modal session that a test
+// cannot end from inside.)
+@interface TVWindowSheetAlert : NSAlert {
+ @public
+  NSWindow *_tvSheetWindow;
+  id _tvModalDelegate;
+  SEL _tvDidEndSelector;
+  void *_tvContextInfo;
+  int _tvSheetCount;
+}
+- (NSWindow *)sheetWindow;
+- (id)modalDelegate;
+- (SEL)didEndSelector;
+- (int)sheetCount;
+- (void)endSheetWithReturnCode:(NSInteger)code;
+@end
+
+@implementation TVWindowSheetAlert
+- (void)beginSheetModalForWindow:(NSWindow *)window
+                   modalDelegate:(id)delegate
+                  didEndSelector:(SEL)selector
+                     contextInfo:(void *)contextInfo {
+  _tvSheetWindow = window;
+  _tvModalDelegate = delegate;
+  _tvDidEndSelector = selector;
+  _tvContextInfo = contextInfo;
+  _tvSheetCount++;
+}
+- (NSWindow *)sheetWindow {
+  return _tvSheetWindow;
+}
+- (id)modalDelegate {
+  return _tvModalDelegate;
+}
+- (SEL)didEndSelector {
+  return _tvDidEndSelector;
+}
+- (int)sheetCount {
+  return _tvSheetCount;
+}
+- (void)endSheetWithReturnCode:(NSInteger)code {
+  typedef void (*DidEnd)(id, SEL, NSAlert *, NSInteger, void *);
+  DidEnd end = (DidEnd)[_tvModalDelegate methodForSelector:_tvDidEndSelector];
+  end(_tvModalDelegate, _tvDidEndSelector, self, code, _tvContextInfo);
+  _tvContextInfo = NULL;
+}
+@end
+
 @interface TVWindowDeferredBlock : NSObject
 + (void)run:(void (^)(void))block after:(double)seconds;
 @end
@@ -31,36 +81,22 @@ namespace {
 using ProgressSheet = WindowTest;
 using AlertSheet = WindowTest;
 
+// The build puts the fixture in the main bundle's resources (nibs load from
+// the main bundle only).
 class NibObjectLoader : public PooledTest {
  protected:
-  // The loader reads the main bundle: the fixture is copied there for the
-  // suite and removed after it.
-  static void SetUpTestSuite() {
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    NSString *resources = [[NSBundle mainBundle] resourcePath];
-    [[NSFileManager defaultManager] createDirectoryAtPath:resources
-                              withIntermediateDirectories:YES
-                                               attributes:nil
-                                                    error:NULL];
-    NSString *source = [@TALVO_TEST_RESOURCES stringByAppendingPathComponent:
-                                                  @"windows/WindowsObjects.xib"];
-    copied_ = [[resources stringByAppendingPathComponent:@"WindowsObjects.xib"] retain];
-    [[NSFileManager defaultManager] removeItemAtPath:copied_ error:NULL];
-    [[NSFileManager defaultManager] copyItemAtPath:source toPath:copied_ error:NULL];
-    [pool drain];
-  }
-  static void TearDownTestSuite() {
-    [[NSFileManager defaultManager] removeItemAtPath:copied_ error:NULL];
-    [copied_ release];
-    copied_ = nil;
-  }
   void SetUp() override {
     PooledTest::SetUp();
     if (!HasWindowServer()) GTEST_SKIP() << "nibs need the application object";
+    if ([[NSBundle mainBundle] pathForNibResource:@"WindowsObjects"] == nil) {
+      GTEST_SKIP() << "WindowsObjects.xib is not in " << [[[NSBundle mainBundle] resourcePath] UTF8String];
+    }
   }
-  static NSString *copied_;
 };
-NSString *NibObjectLoader::copied_ = nil;
+
+}  // namespace
+
+namespace {
 
 // Captures what NSLog writes to standard error while `block` runs.
 std::string StandardErrorOf(void (^block)(void)) {
@@ -132,23 +168,12 @@ TEST_F(ProgressSheet, BeginShowsTheTitleAndSpins) {
 TEST_F(AlertSheet, CompletionRunsOnceWithTheButtonsCode) {
   Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 400, 300), NSTitledWindowMask,
                                          [NSColor whiteColor]));
-  [window.get() makeKeyAndOrderFront:nil];
-  Owned<NSAlert> alert([[NSAlert alloc] init]);
-  [alert.get() setMessageText:@"Replace?"];
-  [alert.get() addButtonWithTitle:@"Replace"];
-  [alert.get() addButtonWithTitle:@"Cancel"];
+  Owned<TVWindowSheetAlert> alert([[TVWindowSheetAlert alloc] init]);
   __block int calls = 0;
   __block NSInteger code = 0;
   int deaths = 0;
   TVDeathWatch *watch = [[TVDeathWatch alloc] init];
   [watch setDeaths:&deaths];
-  NSAlert *running = alert.get();
-  [TVWindowDeferredBlock
-        run:^{
-          [[[running buttons] objectAtIndex:1] performClick:nil];
-          [[running window] orderOut:nil];
-        }
-      after:0.2];
   [alert.get() VXBeginSheetModalForWindow:window
                                completion:^(NSInteger returnCode) {
                                  calls++;
@@ -156,37 +181,42 @@ TEST_F(AlertSheet, CompletionRunsOnceWithTheButtonsCode) {
                                  [watch self];
                                }];
   [watch release];
-  for (int turn = 0; turn < 50 && calls == 0; ++turn) RunLoopTurn();
+  EXPECT_EQ([alert.get() sheetWindow], window.get());
+  EXPECT_EQ([alert.get() modalDelegate], (id)[NSAlert class]);
+  EXPECT_TRUE(sel_isEqual([alert.get() didEndSelector],
+                          @selector(VXalertDidEnd:returnCode:contextInfo:)));
+  EXPECT_EQ(calls, 0) << "not before the sheet ends";
+  EXPECT_EQ(deaths, 0) << "the pending sheet owns the copy";
+
+  [alert.get() endSheetWithReturnCode:NSAlertSecondButtonReturn];
   EXPECT_EQ(calls, 1);
   EXPECT_EQ(code, NSAlertSecondButtonReturn);
-  EXPECT_EQ(deaths, 1) << "the block's copy is released after the call";
+  EXPECT_EQ(deaths, 1) << "the copy is released after the call";
   EXPECT_EQ([alert.get() delegate], nil);
 
-  // No window: nothing runs. No completion: the sheet runs without one.
+  // No window: no sheet. No completion: the sheet ends without a call.
   [alert.get() VXBeginSheetModalForWindow:NullOf<NSWindow *>()
                                completion:^(NSInteger returnCode) {
                                  calls++;
                                }];
+  EXPECT_EQ([alert.get() sheetCount], 1);
+  [alert.get() VXBeginSheetModalForWindow:window completion:nil];
+  [alert.get() endSheetWithReturnCode:1];
   [NSAlert VXalertDidEnd:alert returnCode:1 contextInfo:NULL];
   EXPECT_EQ(calls, 1);
-  [window.get() orderOut:nil];
 }
 
-TEST_F(AlertSheet, AnEmptyAlertStillEnds) {
-  Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 400, 300), NSTitledWindowMask,
+TEST_F(AlertSheet, AnEmptyAlertEndsWithItsCode) {
+  Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSTitledWindowMask,
                                          [NSColor whiteColor]));
-  [window.get() makeKeyAndOrderFront:nil];
-  Owned<NSAlert> alert([[NSAlert alloc] init]);
-  NSAlert *running = alert.get();
-  [TVWindowDeferredBlock
-        run:^{
-          [NSApp endSheet:[running window] returnCode:42];
-          [[running window] orderOut:nil];
-        }
-      after:0.2];
-  [alert.get() VXBeginSheetModalForWindow:window completion:nil];
-  EXPECT_FALSE([[alert.get() window] isVisible]);
-  [window.get() orderOut:nil];
+  Owned<TVWindowSheetAlert> alert([[TVWindowSheetAlert alloc] init]);
+  __block NSInteger code = 0;
+  [alert.get() VXBeginSheetModalForWindow:window
+                               completion:^(NSInteger returnCode) {
+                                 code = returnCode;
+                               }];
+  [alert.get() endSheetWithReturnCode:NSAlertFirstButtonReturn];
+  EXPECT_EQ(code, NSAlertFirstButtonReturn);
 }
 
 TEST_F(NibObjectLoader, FirstObjectOfTheKindInFileOrder) {

@@ -9,7 +9,7 @@ namespace {
 
 using WindowShadow = WindowTest;
 using AnimationWindow = WindowTest;
-using WindowCapture = WindowTest;
+using WindowScreenshot = WindowTest;
 
 }  // namespace
 
@@ -91,14 +91,62 @@ TEST_F(AnimationWindow, NilAndScreenlessWindows) {
   }
 }
 
-TEST_F(WindowCapture, OrderedOutWindowsHaveNoPicture) {
+TEST_F(WindowScreenshot, OrderedOutWindowsHaveNoPicture) {
   Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSBorderlessWindowMask,
                                          [NSColor redColor]));
   EXPECT_EQ([window.get() screenshotByCapturingShadow:YES], nil);
   EXPECT_EQ([window.get() screenshotByCapturingShadow:NO], nil);
 }
 
-TEST_F(WindowCapture, ViewPictureNeedsARenderableLayer) {
+TEST_F(WindowScreenshot, PictureWithAndWithoutTheShadowArea) {
+  Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSBorderlessWindowMask,
+                                         [NSColor redColor]));
+  [window.get() setHasShadow:YES];
+  [window.get() orderFront:nil];
+  [window.get() display];
+  double scale = [window.get() backingScaleFactor];
+
+  NSImage *plain = [window.get() screenshotByCapturingShadow:NO];
+  ASSERT_NE(plain, nil);
+  EXPECT_EQ([plain size].width, 200);
+  EXPECT_EQ([plain size].height, 100);
+  NSBitmapImageRep *rep = (NSBitmapImageRep *)[[plain representations] objectAtIndex:0];
+  ASSERT_TRUE([rep isKindOfClass:[NSBitmapImageRep class]]);
+  EXPECT_EQ([rep pixelsWide], (NSInteger)(200 * scale));
+  EXPECT_EQ([rep pixelsHigh], (NSInteger)(100 * scale));
+  EXPECT_PIXEL(RepPixel(rep, 10, 10), 255, 0, 0, 255);
+
+  // With the shadow: the borderless reach (17 left and right, 13 top, 21
+  // bottom) around the window, transparent or shadow there.
+  NSImage *shadowed = [window.get() screenshotByCapturingShadow:YES];
+  ASSERT_NE(shadowed, nil);
+  EXPECT_EQ([shadowed size].width, 234);
+  EXPECT_EQ([shadowed size].height, 134);
+  rep = (NSBitmapImageRep *)[[shadowed representations] objectAtIndex:0];
+  EXPECT_PIXEL(RepPixel(rep, int(117 * scale), int(71 * scale)), 255, 0, 0, 255) << "the window";
+  EXPECT_PIXEL(RepPixel(rep, int(20 * scale), int(24 * scale)), 255, 0, 0, 255)
+      << "its bottom-left corner sits 17 in and 21 up";
+  EXPECT_LT(RepPixel(rep, 0, 0).a, 255) << "the margin is not the window";
+  EXPECT_LT(RepPixel(rep, int(233 * scale), int(133 * scale)).a, 255);
+  [window.get() orderOut:nil];
+}
+
+TEST_F(WindowScreenshot, ViewPictureRendersThePresentedLayer) {
+  Owned<NSView> view([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 20.9, 10)]);
+  [view.get() setWantsLayer:YES];
+  CGColorRef blue = CGColorCreateGenericRGB(0, 0, 1, 1);
+  [[view.get() layer] setBackgroundColor:blue];
+  CGColorRelease(blue);
+  CGImageRef picture = [view.get() CGImageWithSubviews];
+  ASSERT_NE(picture, nullptr);
+  EXPECT_EQ(CGImageGetWidth(picture), 20u) << "points as pixels, truncated";
+  EXPECT_EQ(CGImageGetHeight(picture), 10u);
+  Owned<NSBitmapImageRep> rep([[NSBitmapImageRep alloc] initWithCGImage:picture]);
+  EXPECT_PIXEL(RepPixel(rep, 5, 5), 0, 0, 255, 255);
+  CGImageRelease(picture);
+}
+
+TEST_F(WindowScreenshot, ViewPictureNeedsARenderableLayer) {
   Owned<NSView> empty([[NSView alloc] initWithFrame:NSZeroRect]);
   [empty.get() setWantsLayer:YES];
   EXPECT_EQ([empty.get() CGImageWithSubviews], nullptr);

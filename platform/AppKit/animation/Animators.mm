@@ -645,6 +645,26 @@ static CABasicAnimation *TVDefaultAnimation(NSString *key, NSArray *keys) {
   return layer;
 }
 
+- (void)setLayer:(CALayer *)layer {
+  if (layer != nil && ![layer isKindOfClass:[CALayer class]]) {
+    return;
+  }
+  _TVAnimatableState *state = TVAnimatableState(self, layer != nil);
+  if (state == nil || state->_layer == layer) {
+    return;
+  }
+  CALayer *old = state->_layer;
+  state->_layer = [layer retain];
+  if ([old delegate] == (id)self) {
+    [old setDelegate:nil];
+  }
+  [old release];
+  if (layer != nil && [layer delegate] == nil) {
+    [layer setDelegate:self];
+  }
+  [self setNeedsDisplay:YES];
+}
+
 - (id<CAAction>)actionForLayer:(CALayer *)layer forKey:(NSString *)event {
   if ([[NSAnimationContext currentContext] allowsImplicitAnimation]) {
     return nil;
@@ -705,6 +725,15 @@ static CABasicAnimation *TVDefaultAnimation(NSString *key, NSArray *keys) {
 }
 
 @end
+
+#pragma mark - Layer drawing
+
+// The view's layer as it stands (not made, not brought up to date), for
+// the layer drawing hooks.
+extern "C" __attribute__((visibility("hidden"))) CALayer *TVViewExistingLayer(NSView *view) {
+  _TVAnimatableState *state = TVAnimatableState(view, NO);
+  return state != nil ? state->_layer : nil;
+}
 
 #pragma mark - Lifetime
 

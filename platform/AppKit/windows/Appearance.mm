@@ -1,9 +1,9 @@
 // Named appearances and their inheritance. GNUstep 0.29's NSAppearance
-// makes a new object (+1) for any name and nothing asks views or windows
-// for one. Here the four named appearances are shared instances, unknown
-// names answer nil, and views, windows and the application carry an
-// appearance that their descendants inherit. While a view draws, the
-// current appearance is the view's effective one.
+// hands out its appearances +1, never allows vibrancy, matches and
+// archives nothing, and nothing asks views or windows for one. Here the
+// appearances are autoreleased and know their kind, and views, windows and
+// the application carry an appearance that their descendants inherit.
+// While a view draws, the current appearance is the view's effective one.
 
 #import "platform/AppKit/windows/TVWindowPlatformState.h"
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-NSMutableDictionary *namedAppearances = nil;  // name -> NSAppearance, for the process
+NSAppearance *defaultAppearance = nil;  // Aqua, for the process
 NSAppearance *applicationAppearance = nil;
 NSAppearance *drawingAppearance = nil;  // set while a view draws
 
@@ -37,78 +37,73 @@ bool IsDarkName(NSString *name) {
 
 bool IsVibrantName(NSString *name) { return [name hasPrefix:@"NSAppearanceNameVibrant"]; }
 
-// GNUstep answers nil. The exact name first, then one of the same darkness
-// and vibrancy, then one of the same darkness.
+// The plain appearance a vibrant one varies.
+NSString *PlainCounterpart(NSString *name) {
+  if ([name isEqualToString:NSAppearanceNameVibrantLight]) return NSAppearanceNameAqua;
+  if ([name isEqualToString:NSAppearanceNameVibrantDark]) return NSAppearanceNameDarkAqua;
+  return nil;
+}
+
+// GNUstep answers nil. The exact name wins wherever it is in the list; a
+// vibrant appearance otherwise takes the plain one it varies; nothing else
+// matches.
 NSString *TVBestMatch(NSAppearance *self, SEL selector, NSArray *names) {
   if (![names isKindOfClass:[NSArray class]]) {
     return nil;
   }
+  NSString *fallback = PlainCounterpart([self name]);
+  NSString *found = nil;
   for (id name in names) {
-    if ([name isKindOfClass:[NSString class]] && [name isEqualToString:[self name]]) {
-      return name;
-    }
-  }
-  bool dark = IsDarkName([self name]);
-  bool vibrant = IsVibrantName([self name]);
-  NSString *fallback = nil;
-  for (id name in names) {
-    if (![name isKindOfClass:[NSString class]] || CanonicalName(name) == nil ||
-        IsDarkName(name) != dark) {
+    if (![name isKindOfClass:[NSString class]]) {
       continue;
     }
-    if (IsVibrantName(name) == vibrant) {
+    if ([name isEqualToString:[self name]]) {
       return name;
     }
-    if (fallback == nil) {
-      fallback = name;
+    if (found == nil && fallback != nil && [name isEqualToString:fallback]) {
+      found = name;
     }
   }
-  return fallback;
+  return found;
 }
 
 id (*originalInitWithName)(id, SEL, NSString *, NSBundle *) = NULL;
 NSAppearance *(*originalCurrentAppearance)(id, SEL) = NULL;
 void (*originalDisplayRect)(id, SEL, NSRect, NSGraphicsContext *) = NULL;
 
+// A new appearance for every call, which the caller does not own (GNUstep
+// hands it over +1). As AppKit does, a name it does not know still gets an
+// appearance of that name (plain, not vibrant).
 NSAppearance *TVAppearanceNamed(id cls, SEL selector, NSString *name) {
   if (![name isKindOfClass:[NSString class]]) {
     return nil;
   }
-  NSString *canonical = CanonicalName(name);
-  if (canonical == nil) {
-    return nil;
-  }
-  NSAppearance *appearance = [namedAppearances objectForKey:canonical];
-  if (appearance == nil) {
-    appearance = [[NSAppearance alloc] initWithAppearanceNamed:canonical bundle:nil];
-    if (appearance == nil) {
-      return nil;
-    }
-    if (namedAppearances == nil) {
-      namedAppearances = [[NSMutableDictionary alloc] initWithCapacity:4];
-    }
-    [namedAppearances setObject:appearance forKey:canonical];
-    [appearance release];
-  }
-  return [[appearance retain] autorelease];
+  return [[[NSAppearance alloc] initWithAppearanceNamed:name bundle:nil] autorelease];
 }
 
 // Vibrant appearances allow vibrancy, as on macOS.
 id TVInitWithName(NSAppearance *self, SEL selector, NSString *name, NSBundle *bundle) {
-  if (![name isKindOfClass:[NSString class]] || CanonicalName(name) == nil) {
+  if (![name isKindOfClass:[NSString class]]) {
     [self release];
     return nil;
   }
-  self = originalInitWithName(self, selector, CanonicalName(name), bundle);
+  self = originalInitWithName(self, selector, name, bundle);
   Ivar vibrancy = class_getInstanceVariable([NSAppearance class], "_allowsVibrancy");
   if (self != nil && vibrancy != NULL) {
     BOOL *flag = (BOOL *)((char *)self + ivar_getOffset(vibrancy));
-    *flag = IsVibrantName([self name]);
+    *flag = CanonicalName([self name]) != nil && IsVibrantName([self name]);
   }
   return self;
 }
 
-NSAppearance *Aqua() { return [NSAppearance appearanceNamed:NSAppearanceNameAqua]; }
+// What everything falls back to when nothing is set: one Aqua for the
+// process.
+NSAppearance *Aqua() {
+  if (defaultAppearance == nil) {
+    defaultAppearance = [[NSAppearance alloc] initWithAppearanceNamed:NSAppearanceNameAqua bundle:nil];
+  }
+  return defaultAppearance;
+}
 
 NSAppearance *TVCurrentAppearance(id cls, SEL selector) {
   if (drawingAppearance != nil) {
@@ -155,7 +150,71 @@ bool IsAppearanceOrNil(id object) { return object == nil || [object isKindOfClas
 
 }  // namespace
 
+#pragma mark - Archiving
+
+// Appearances archive their name (keyed under "NSAppearanceName", as
+// interface files write it); GNUstep's write and read nothing. Replacing
+// GNUstep's coding methods in place reroutes distributed objects' own
+// coding on this runtime, so every appearance is made as this private
+// subclass instead, which codes for itself under NSAppearance's name.
+@interface _TVAppearance : NSAppearance
+@end
+
+@implementation _TVAppearance
+
++ (id)allocWithZone:(NSZone *)zone {
+  return NSAllocateObject(self, 0, zone);
+}
+
+- (Class)classForCoder {
+  return [NSAppearance class];
+}
+
+- (Class)classForKeyedArchiver {
+  return [NSAppearance class];
+}
+
+- (void)encodeWithCoder:(NSCoder *)coder {
+  if ([coder allowsKeyedCoding]) {
+    [coder encodeObject:[self name] forKey:@"NSAppearanceName"];
+  } else {
+    [coder encodeObject:[self name]];
+  }
+}
+
+- (id)initWithCoder:(NSCoder *)coder {
+  NSString *name = nil;
+  @try {
+    name = [coder allowsKeyedCoding] ? [coder decodeObjectForKey:@"NSAppearanceName"] : [coder decodeObject];
+  } @catch (NSException *exception) {
+    name = nil;
+  }
+  return [self initWithAppearanceNamed:([name isKindOfClass:[NSString class]] ? name : NSAppearanceNameAqua)
+                                bundle:nil];
+}
+
+@end
+
+@implementation NSAppearance (TalvoAllocation)
+
++ (id)allocWithZone:(NSZone *)zone {
+  return self == [NSAppearance class] ? [_TVAppearance allocWithZone:zone] : NSAllocateObject(self, 0, zone);
+}
+
+@end
+
 #pragma mark - NSAppearance
+
+// AppKit's values of the high-contrast names; GNUstep's exports spell them
+// differently. These definitions take the place of GNUstep's in every
+// program linked with Talvo.
+NSAppearanceName const NSAppearanceNameAccessibilityHighContrastAqua = @"NSAppearanceNameAccessibilityAqua";
+NSAppearanceName const NSAppearanceNameAccessibilityHighContrastDarkAqua =
+    @"NSAppearanceNameAccessibilityDarkAqua";
+NSAppearanceName const NSAppearanceNameAccessibilityHighContrastVibrantLight =
+    @"NSAppearanceNameAccessibilityVibrantLight";
+NSAppearanceName const NSAppearanceNameAccessibilityHighContrastVibrantDark =
+    @"NSAppearanceNameAccessibilityVibrantDark";
 
 @implementation NSAppearance (TalvoPlatform)
 

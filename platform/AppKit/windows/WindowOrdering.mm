@@ -3,7 +3,7 @@
 // and leaves child windows where they are. After a window is ordered in
 // (or its level or children change) the stack is put back in order: by
 // level, each child right above its parent; children move with their
-// parent.
+// parent, whether moved by code or by the server.
 
 #import "platform/AppKit/windows/TVWindowServer.h"
 
@@ -92,6 +92,7 @@ void (*originalOrderWindow)(id, SEL, NSWindowOrderingMode, NSInteger) = NULL;
 void (*originalSetLevel)(id, SEL, NSInteger) = NULL;
 void (*originalAddChild)(id, SEL, NSWindow *, NSWindowOrderingMode) = NULL;
 void (*originalSetFrameDisplay)(id, SEL, NSRect, BOOL) = NULL;
+void (*originalSendEvent)(id, SEL, NSEvent *) = NULL;
 
 void TVOrderWindow(NSWindow *window, SEL selector, NSWindowOrderingMode place, NSInteger other) {
   originalOrderWindow(window, selector, place, other);
@@ -114,10 +115,9 @@ void TVAddChildWindow(NSWindow *window, SEL selector, NSWindow *child, NSWindowO
   }
 }
 
-// Children keep their offset from the parent when the parent moves.
-void TVSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL display) {
-  NSRect old = [window frame];
-  originalSetFrameDisplay(window, selector, frame, display);
+// Children keep their offset from the parent when the parent moved from
+// `old` to where it is now.
+void MoveChildren(NSWindow *window, NSRect old) {
   NSRect now = [window frame];
   CGFloat dx = NSMinX(now) - NSMinX(old), dy = NSMinY(now) - NSMinY(old);
   if (dx == 0 && dy == 0) {
@@ -129,6 +129,41 @@ void TVSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL displa
     childFrame.origin.x += dx;
     childFrame.origin.y += dy;
     [child setFrame:childFrame display:NO];
+  }
+}
+
+// The window whose setFrame:display: is running, and whether the server's
+// move event inside it (GNUstep sends one to itself) already took the
+// children along.
+NSWindow *settingFrame = nil;
+bool childrenMoved = false;
+
+void TVSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL display) {
+  NSWindow *outerWindow = settingFrame;
+  bool outerMoved = childrenMoved;
+  settingFrame = window;
+  childrenMoved = false;
+  NSRect old = [window frame];
+  originalSetFrameDisplay(window, selector, frame, display);
+  if (!childrenMoved) {
+    MoveChildren(window, old);
+  }
+  settingFrame = outerWindow;
+  childrenMoved = outerMoved;
+}
+
+// A move the server reports (the window dragged by its frame) changes the
+// frame without setFrame:display:.
+void TVWindowSendEvent(NSWindow *window, SEL selector, NSEvent *event) {
+  if ([event type] != NSAppKitDefined || [event subtype] != GSAppKitWindowMoved) {
+    originalSendEvent(window, selector, event);
+    return;
+  }
+  NSRect old = [window frame];
+  originalSendEvent(window, selector, event);
+  MoveChildren(window, old);
+  if (window == settingFrame) {
+    childrenMoved = true;
   }
 }
 
@@ -149,6 +184,8 @@ void TVSetFrameDisplay(NSWindow *window, SEL selector, NSRect frame, BOOL displa
       window, @selector(addChildWindow:ordered:), (IMP)TVAddChildWindow);
   originalSetFrameDisplay = (void (*)(id, SEL, NSRect, BOOL))TVReplaceInstanceMethod(
       window, @selector(setFrame:display:), (IMP)TVSetFrameDisplay);
+  originalSendEvent = (void (*)(id, SEL, NSEvent *))TVReplaceInstanceMethod(
+      window, @selector(sendEvent:), (IMP)TVWindowSendEvent);
 }
 
 @end

@@ -11,6 +11,7 @@
 #import <AppKit/NSGraphicsContext+TalvoPlatform.h>
 #import <AppKit/NSAnimationContext+TalvoPlatform.h>
 #import <AppKit/NSView+TalvoAnimation.h>
+#import <AppKit/NSView+TalvoLayerDrawing.h>
 #import <AppKit/NSWindow+TalvoAnimation.h>
 #import <AppKit/NSLayoutConstraint+TalvoAnimation.h>
 #import <AppKit/NSScreen+TalvoPlatform.h>

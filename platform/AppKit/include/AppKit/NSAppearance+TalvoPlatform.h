@@ -1,19 +1,24 @@
 /*
  * Named appearances and their inheritance, which GNUstep 0.29 only stubs.
  *
- * +appearanceNamed: answers one shared, autoreleased appearance for each of
- * NSAppearanceNameAqua, NSAppearanceNameDarkAqua,
- * NSAppearanceNameVibrantLight and NSAppearanceNameVibrantDark (the same
- * object on every call), and nil for any other name. currentAppearance is
- * Aqua until set, and is the drawing view's effective appearance while a
- * view draws. Views and windows answer an effectiveAppearance: their own,
- * else the superview's, else the window's, else the application's, else
- * Aqua. bestMatchFromAppearancesWithNames: picks a name by darkness and
- * vibrancy.
+ * +appearanceNamed: answers a new autoreleased appearance on each call
+ * (compare names, not objects): NSAppearanceNameAqua,
+ * NSAppearanceNameDarkAqua, NSAppearanceNameVibrantLight and
+ * NSAppearanceNameVibrantDark are known, the two vibrant ones allow
+ * vibrancy; any other name gets a plain (not vibrant, light) appearance of
+ * that name, as AppKit does; nil and non-strings get nil. An appearance
+ * that is set is kept (retained) as that object. currentAppearance is Aqua until
+ * set, and is the drawing view's effective appearance while a view draws.
+ * Views and windows answer an effectiveAppearance: their own, else the
+ * superview's, else the window's, else the application's, else Aqua.
+ * bestMatchFromAppearancesWithNames: answers the receiver's own name if
+ * listed, else for a vibrant appearance the plain one it varies, else nil.
+ * Appearances archive their name (keyed and old-style), and the
+ * high-contrast name constants have AppKit's values.
  *
- * Not covered: appearances loaded from bundles, the high-contrast names,
- * named colours that change with the appearance (NSColor is GNUstep's),
- * key-value observing of effectiveAppearance, archiving.
+ * Not covered: appearances loaded from bundles, high-contrast appearances
+ * themselves, named colours that change with the appearance (NSColor is
+ * GNUstep's), key-value observing of effectiveAppearance.
  */
 #ifndef TALVO_PLATFORM_NSAPPEARANCE_PLATFORM_H
 #define TALVO_PLATFORM_NSAPPEARANCE_PLATFORM_H

@@ -15,9 +15,11 @@
  * which answers NSNull for actions unless the current animation context
  * allows implicit animation. The layer's bounds, position (anchor point
  * 0,0), opacity and hidden are brought up to date with the view each time
- * -layer is asked for. Not covered: the layer is not drawn or composited
- * (wantsLayer does not change how the view draws), makeBackingLayer,
- * wantsUpdateLayer/updateLayer, layerContentsRedrawPolicy.
+ * -layer is asked for. -setLayer: makes a given layer the view's (its
+ * delegate becomes the view if it has none). With wantsLayer the view
+ * shows its layer in its window (NSView+TalvoLayerDrawing.h). Not
+ * covered: makeBackingLayer, wantsUpdateLayer/updateLayer,
+ * layerContentsRedrawPolicy.
  */
 #ifndef TALVO_PLATFORM_NSVIEW_ANIMATION_H
 #define TALVO_PLATFORM_NSVIEW_ANIMATION_H
@@ -41,6 +43,7 @@ NS_ASSUME_NONNULL_BEGIN
 - (BOOL)wantsLayer;
 - (void)setWantsLayer:(BOOL)flag;
 - (nullable CALayer *)layer;
+- (void)setLayer:(nullable CALayer *)layer;
 
 @end
 

@@ -6,8 +6,10 @@
  *   display; GNUstep draws no title bar of its own here (frame equals
  *   content), so nothing else changes on screen.
  * - standardWindowButton: answers a button for the close, miniaturize and
- *   zoom kinds of any window, made by GNUstep for the style mask when it has
- *   none; hiding it sticks to the window.
+ *   zoom kinds of a titled window (nil for other windows and kinds), made
+ *   by GNUstep for the style mask when it has none, enabled as the mask
+ *   says. It is kept by the window, not placed in any view (nothing draws
+ *   a title bar here), so hiding it sticks and shows nowhere.
  * - setStyleMask: keeps every bit in styleMask (the full-size-content bit
  *   included) and restyles the X window.
  * - animationBehavior is stored; windows order in and out without an
@@ -17,8 +19,10 @@
  *   frame, and returns when the frame has arrived, as AppKit does. Its
  *   clock is the platform's animation clock (tests can drive it).
  * - backingScaleFactor answers the real scale of the backing (2 under
- *   -GSScaleFactor 2); convertRectToBacking: and convertRectFromBacking:
- *   scale by it.
+ *   -GSScaleFactor 2, GNUstep's userSpaceScaleFactor); convertRectToBacking:
+ *   and convertRectFromBacking: scale by it. Under -GSScaleFactor 2 GNUstep
+ *   keeps window frames in device pixels and scales views; NSScreen's
+ *   backingScaleFactor still answers 1 there unless overridden.
  * - Window levels and child windows keep their order without a window
  *   manager: after a window is ordered in, every visible window of a higher
  *   level and every child is put back above it; children move with their

@@ -15,11 +15,17 @@
  * back in the X stacking order.
  *
  * Pictures come from the window's own back buffer, so a covered window is
- * captured whole. kCGWindowImageBoundsIgnoreFraming gives the bare window;
- * kCGWindowImageDefault gives it inside a transparent margin as wide as
- * the screen bounds asked for reach beyond the window, with a drawn soft
- * shadow there when the window hasShadow (there is no system shadow to
- * copy). The pixel size is the backing's, never bounds times a scale.
+ * captured whole. kCGWindowImageBoundsIgnoreFraming gives the bare window
+ * (the part of it inside the bounds); kCGWindowImageDefault gives it
+ * inside a transparent margin as wide as the screen bounds reach beyond
+ * the window, with a drawn soft shadow there when the window hasShadow
+ * (there is no system shadow to copy): about 10 points of blur, 4 points
+ * down, 45% black at its densest, shaped like the frame for an opaque
+ * window and like its drawn pixels otherwise. CGRectNull bounds take the
+ * windows with that shadow's reach. The pixel size is the backing's plus
+ * whole pixels of margin, never bounds times a scale; under GNUstep's
+ * -GSScaleFactor 2 window frames are already in device pixels, so a unit
+ * of the bounds is one pixel there.
  * Images are premultiplied BGRA (32-bit little-endian, alpha first) in
  * device RGB. An ordered-out, deferred or unknown window gives NULL.
  *

@@ -14,6 +14,9 @@
  * otherwise the group is drawn offscreen at the context's device
  * resolution and composited.
  *
+ * A view's backing layer also draws the view (its drawRect: and its
+ * subviews) over its contents, as on macOS (NSView+TalvoLayerDrawing.h).
+ *
  * A presentation layer draws its animated values, and its model's
  * sublayers draw as their presentation layers: the tree as it shows at the
  * animation clock's current time.
@@ -23,7 +26,7 @@
  * finite, contents of any other class, contents of zero size. A layer of
  * zero size still draws its sublayers unless it masks to its bounds.
  *
- * Not covered: drawInContext:/delegate drawing, contentsRect,
+ * Not covered: drawInContext: and other delegate drawing, contentsRect,
  * contentsCenter, shadows, borders, corner radius, masks, filters and 3D
  * transforms. An NSImage's CGImage is made on every call (a CGImage is
  * drawn directly).
