@@ -89,9 +89,7 @@ void BM_GradientCellDraw(benchmark::State &state) {
   [NSScreen talvo_setBackingScaleFactorOverride:0];
   [pool drain];
 }
-BENCHMARK(BM_GradientCellDraw)
-    ->ArgsProduct({{1, 2}, {0, 1, 2}})
-    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_GradientCellDraw)->ArgsProduct({{1, 2}, {0, 1, 2}})->Unit(benchmark::kMicrosecond);
 
 // The drawer's parts alone, in the same focused view: the icon's raster
 // (range 0 = 0), one offscreen bitmap (1), a mask over it (2).
@@ -104,7 +102,9 @@ void BM_GradientCellParts(benchmark::State &state) {
   [view lockFocus];
   NSGraphicsContext *graphics = [NSGraphicsContext currentContext];
   NSRect proposed = NSMakeRect(0, 0, 18, 18);
-  CGImageRef raster = CGImageRetain([icon CGImageForProposedRect:&proposed context:graphics hints:nil]);
+  CGImageRef raster = CGImageRetain([icon CGImageForProposedRect:&proposed
+                                                         context:graphics
+                                                           hints:nil]);
   for (auto _ : state) {
     NSAutoreleasePool *inner = [NSAutoreleasePool new];
     if (state.range(0) == 0) {

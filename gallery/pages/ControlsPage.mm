@@ -134,7 +134,8 @@ static NSImage *GalleryIcon(CGFloat side) {
   // Gradient button cells in buttons: plain, light gray, on with blue.
   CGFloat x = 380;
   for (int i = 0; i < 3; ++i) {
-    VXButton *button = [[[VXButton alloc] initWithFrame:NSMakeRect(x + i * 44, top - 60, 36, 30)] autorelease];
+    VXButton *button =
+        [[[VXButton alloc] initWithFrame:NSMakeRect(x + i * 44, top - 60, 36, 30)] autorelease];
     VXGradientButtonCell *cell = [[[VXGradientButtonCell alloc] initImageCell:icon] autorelease];
     [cell setBordered:NO];
     [cell setImagePosition:NSImageOnly];
@@ -147,7 +148,8 @@ static NSImage *GalleryIcon(CGFloat side) {
   }
   // Tab-bar cells, the middle one on.
   for (int i = 0; i < 3; ++i) {
-    NSButton *tab = [[[NSButton alloc] initWithFrame:NSMakeRect(x + 140 + i * 56, top - 60, 52, 30)] autorelease];
+    NSButton *tab = [[[NSButton alloc] initWithFrame:NSMakeRect(x + 140 + i * 56, top - 60, 52, 30)]
+        autorelease];
     VXTabBarButtonCell *cell = [[[VXTabBarButtonCell alloc] init] autorelease];
     [cell setImage:icon];
     [cell setImagePosition:NSImageOnly];
@@ -174,7 +176,8 @@ static NSImage *GalleryIcon(CGFloat side) {
   CGFloat y = top - 170;
   const double values[] = {0, 30, 70, 100};
   for (int i = 0; i < 5; ++i) {
-    NSSlider *slider = [[[NSSlider alloc] initWithFrame:NSMakeRect(20 + i * 136, y, 124, 22)] autorelease];
+    NSSlider *slider =
+        [[[NSSlider alloc] initWithFrame:NSMakeRect(20 + i * 136, y, 124, 22)] autorelease];
     [slider setCell:[[[VXFlatSliderCell alloc] init] autorelease]];
     [slider setMinValue:0];
     [slider setMaxValue:100];
@@ -182,23 +185,28 @@ static NSImage *GalleryIcon(CGFloat side) {
     [slider setEnabled:i < 4];
     [page addSubview:slider];
   }
-  [self addLabel:@"flat slider at 0, 30, 70, 100; disabled at 50" at:NSMakePoint(20, y - 20) to:page];
+  [self addLabel:@"flat slider at 0, 30, 70, 100; disabled at 50"
+              at:NSMakePoint(20, y - 20)
+              to:page];
 
   // Small views.
   y = top - 250;
   for (int i = 0; i < 2; ++i) {
-    VXMatteColorWell *well = [[[VXMatteColorWell alloc] initWithFrame:NSMakeRect(20 + i * 60, y, 50, 30)] autorelease];
+    VXMatteColorWell *well =
+        [[[VXMatteColorWell alloc] initWithFrame:NSMakeRect(20 + i * 60, y, 50, 30)] autorelease];
     [well setBordered:i == 0];
     [well setFrame:[well frame]];
     [well setColor:i == 0 ? [NSColor colorWithCalibratedRed:0.85 green:0.3 blue:0.2 alpha:1]
                           : [NSColor colorWithCalibratedRed:0.2 green:0.45 blue:0.85 alpha:1]];
     [page addSubview:well];
   }
-  VXMaskImageView *mask = [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(150, y, 30, 30)] autorelease];
+  VXMaskImageView *mask =
+      [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(150, y, 30, 30)] autorelease];
   [mask setMaskImage:GalleryIcon(30)];
   [mask setFillColor:[NSColor colorWithCalibratedRed:0.1 green:0.6 blue:0.3 alpha:1]];
   [page addSubview:mask];
-  NSTextField *field = [[[NSTextField alloc] initWithFrame:NSMakeRect(200, y - 6, 160, 42)] autorelease];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(200, y - 6, 160, 42)] autorelease];
   VXVerticallyCenteredTextFieldCell *fieldCell =
       [[[VXVerticallyCenteredTextFieldCell alloc] initTextCell:@"Centred text"] autorelease];
   [fieldCell setEditable:YES];
@@ -209,12 +217,15 @@ static NSImage *GalleryIcon(CGFloat side) {
   VXButton *hover = [[[VXButton alloc] initWithFrame:NSMakeRect(380, y, 100, 28)] autorelease];
   [hover setTitle:@"Hover me"];
   [page addSubview:hover];
-  VXAnimatedButton *fading = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(490, y, 100, 28)] autorelease];
+  VXAnimatedButton *fading =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(490, y, 100, 28)] autorelease];
   [fading setTitle:@"Fading"];
   [fading setWantsLayer:YES];
   [page addSubview:fading];
-  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(610, y - 60, 90, 90)] autorelease];
-  VXTransparentScroller *scroller = [[[VXTransparentScroller alloc] initWithFrame:NSMakeRect(0, 0, 12, 90)] autorelease];
+  NSScrollView *scroll =
+      [[[NSScrollView alloc] initWithFrame:NSMakeRect(610, y - 60, 90, 90)] autorelease];
+  VXTransparentScroller *scroller =
+      [[[VXTransparentScroller alloc] initWithFrame:NSMakeRect(0, 0, 12, 90)] autorelease];
   [scroll setVerticalScroller:scroller];
   [scroll setHasVerticalScroller:YES];
   [scroll setDocumentView:GallerySwatch([NSColor colorWithCalibratedWhite:0.8 alpha:1],
@@ -226,8 +237,8 @@ static NSImage *GalleryIcon(CGFloat side) {
 
   // The popover segmented control, its first segment's popup open.
   y = top - 340;
-  VXPopoverViewsSegmentedControl *segmented =
-      [[[VXPopoverViewsSegmentedControl alloc] initWithFrame:NSMakeRect(20, y, 210, 24)] autorelease];
+  VXPopoverViewsSegmentedControl *segmented = [[[VXPopoverViewsSegmentedControl alloc]
+      initWithFrame:NSMakeRect(20, y, 210, 24)] autorelease];
   [segmented setSegmentCount:3];
   NSArray *labels = @[ @"Colour", @"Size", @"None" ];
   for (NSInteger i = 0; i < 3; ++i) {
@@ -235,9 +246,10 @@ static NSImage *GalleryIcon(CGFloat side) {
     [segmented setLabel:[labels objectAtIndex:(NSUInteger)i] forSegment:i];
   }
   for (NSInteger i = 0; i < 2; ++i) {
-    NSView *accessory = GallerySwatch(i == 0 ? [NSColor colorWithCalibratedRed:0.95 green:0.8 blue:0.4 alpha:1]
-                                             : [NSColor colorWithCalibratedRed:0.6 green:0.8 blue:0.95 alpha:1],
-                                      NSMakeRect(0, 0, 120 + 40 * i, 60));
+    NSView *accessory =
+        GallerySwatch(i == 0 ? [NSColor colorWithCalibratedRed:0.95 green:0.8 blue:0.4 alpha:1]
+                             : [NSColor colorWithCalibratedRed:0.6 green:0.8 blue:0.95 alpha:1],
+                      NSMakeRect(0, 0, 120 + 40 * i, 60));
     [accessory addSubview:GalleryLabel(i == 0 ? @"segment 1's view" : @"segment 2's view",
                                        NSMakeRect(8, 20, 150, 17))];
     [segmented setAccessoryView:accessory forSegment:i];
@@ -246,7 +258,8 @@ static NSImage *GalleryIcon(CGFloat side) {
   [segmented awakeFromNib];
   [page addSubview:segmented];
   [page setSegmented:segmented];
-  [self addLabel:@"popover segmented control (segment 3 has no view)" at:NSMakePoint(20, y - 24)
+  [self addLabel:@"popover segmented control (segment 3 has no view)"
+              at:NSMakePoint(20, y - 24)
               to:page];
   return page;
 }
@@ -259,8 +272,8 @@ static NSImage *GalleryIcon(CGFloat side) {
       for (NSWindow *child in [[pageView window] childWindows]) {
         if ([child isVisible]) shown = YES;
       }
-      return [NSString stringWithFormat:@"popover segment %ld %@", (long)segment,
-                                        shown ? @"shown" : @"hidden"];
+      return [NSString
+          stringWithFormat:@"popover segment %ld %@", (long)segment, shown ? @"shown" : @"hidden"];
     }
   }
   return @"no popover control";

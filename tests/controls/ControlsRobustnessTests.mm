@@ -16,32 +16,36 @@ TEST_F(ControlsRobustness, DrawerAndGradientCells) {
   Owned<VXGradientCellDrawer> drawer([VXGradientCellDrawer new]);
   NSImage *icon = SquareIcon(NSMakeSize(16, 16), 0, [NSColor blackColor]);
   __block VXGradientCellDrawer *d = drawer;
-  TVDrawingView *view = [[[TVDrawingView alloc]
-      initWithFrame:NSMakeRect(0, 0, 80, 60)
-            flipped:NO
-            drawing:^(NSView *v, NSRect dirty) {
-              for (double x : bad::kValues) {
-                [d setInnerShadowRadius:x];
-                [d setInnerShadowOpacity:x];
-                [d setLightShadowOpacity:x];
-                [d setMainWindowDrawing:YES];
-                [d setEnabledDrawing:YES];
-                [d drawImage:icon inFrame:NSMakeRect(x, x, 40, 40)];
-                [d drawImage:icon inFrame:NSMakeRect(0, 0, x, x)];
-              }
-              [d setGradient:(NSGradient *)bad::WrongObject()];
-              [d setDrawingState:1];
-              [d setOnGradient:nil];
-            }] autorelease];
+  TVDrawingView *view =
+      [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 80, 60)
+                                    flipped:NO
+                                    drawing:^(NSView *v, NSRect dirty) {
+                                      for (double x : bad::kValues) {
+                                        [d setInnerShadowRadius:x];
+                                        [d setInnerShadowOpacity:x];
+                                        [d setLightShadowOpacity:x];
+                                        [d setMainWindowDrawing:YES];
+                                        [d setEnabledDrawing:YES];
+                                        [d drawImage:icon inFrame:NSMakeRect(x, x, 40, 40)];
+                                        [d drawImage:icon inFrame:NSMakeRect(0, 0, x, x)];
+                                      }
+                                      [d setGradient:(NSGradient *)bad::WrongObject()];
+                                      [d setDrawingState:1];
+                                      [d setOnGradient:nil];
+                                    }] autorelease];
   [[window contentView] addSubview:view];
   EXPECT_CALM([window display]);
 
   for (id control : {(id)nil, bad::WrongObject(), (id)view}) {
     Owned<VXGradientButtonCell> cell([[VXGradientButtonCell alloc] initTextCell:@""]);
     EXPECT_CALM([cell.get() drawImage:icon withFrame:NSZeroRect inView:control]);
-    EXPECT_CALM([cell.get() drawImage:(NSImage *)bad::WrongObject() withFrame:NSZeroRect inView:control]);
-    Owned<VXGradientPopUpButtonCell> popUp([[VXGradientPopUpButtonCell alloc] initTextCell:@"" pullsDown:YES]);
-    EXPECT_CALM([popUp.get() drawImageWithFrame:NSMakeRect(bad::kNaN, 0, -1, bad::kInf) inView:control]);
+    EXPECT_CALM([cell.get() drawImage:(NSImage *)bad::WrongObject()
+                            withFrame:NSZeroRect
+                               inView:control]);
+    Owned<VXGradientPopUpButtonCell> popUp([[VXGradientPopUpButtonCell alloc] initTextCell:@""
+                                                                                 pullsDown:YES]);
+    EXPECT_CALM([popUp.get() drawImageWithFrame:NSMakeRect(bad::kNaN, 0, -1, bad::kInf)
+                                         inView:control]);
     EXPECT_CALM([popUp.get() drawBezelWithFrame:NSZeroRect inView:control]);
     Owned<VXTabBarButtonCell> tab([VXTabBarButtonCell new]);
     [tab.get() setState:NSOnState];
@@ -72,13 +76,15 @@ TEST_F(ControlsRobustness, FlatSlider) {
 
 TEST_F(ControlsRobustness, SegmentedControl) {
   NSWindow *window = Window(NSMakeRect(100, 100, 200, 60));
-  VXPopoverViewsSegmentedControl *control =
-      [[[VXPopoverViewsSegmentedControl alloc] initWithFrame:NSMakeRect(0, 30, 150, 24)] autorelease];
+  VXPopoverViewsSegmentedControl *control = [[[VXPopoverViewsSegmentedControl alloc]
+      initWithFrame:NSMakeRect(0, 30, 150, 24)] autorelease];
   [[window contentView] addSubview:control];
   NSView *view = [[[NSView alloc] initWithFrame:NSZeroRect] autorelease];
-  for (NSInteger segment : {(NSInteger)-1, (NSInteger)0, (NSInteger)99, NSIntegerMax, NSIntegerMin}) {
+  for (NSInteger segment :
+       {(NSInteger)-1, (NSInteger)0, (NSInteger)99, NSIntegerMax, NSIntegerMin}) {
     EXPECT_CALM([control setAccessoryView:view forSegment:segment]) << segment;
-    EXPECT_CALM([control setAccessoryView:(NSView *)bad::WrongObject() forSegment:segment]) << segment;
+    EXPECT_CALM([control setAccessoryView:(NSView *)bad::WrongObject() forSegment:segment])
+        << segment;
     EXPECT_CALM([control accessoryViewForSegment:segment]) << segment;
     EXPECT_CALM([control showPopoverView]) << segment;  // no segments: nothing selected
     EXPECT_CALM([control dismissPopoverView]) << segment;
@@ -100,7 +106,8 @@ TEST_F(ControlsRobustness, SmallViewsAndButtons) {
   }
   EXPECT_CALM([well.get() awakeFromNib]);
 
-  Owned<VXVerticallyCenteredTextFieldCell> text([[VXVerticallyCenteredTextFieldCell alloc] initTextCell:@"x"]);
+  Owned<VXVerticallyCenteredTextFieldCell> text(
+      [[VXVerticallyCenteredTextFieldCell alloc] initTextCell:@"x"]);
   NSRect result = NSZeroRect;
   for (double v : bad::kValues) {
     EXPECT_CALM(result = [text.get() drawingRectForBounds:NSMakeRect(v, v, v, v)]) << v;
@@ -121,7 +128,8 @@ TEST_F(ControlsRobustness, SmallViewsAndButtons) {
   EXPECT_EQ([scroller.get() knobStyle], NSScrollerKnobStyleLight);
   EXPECT_CALM([scroller.get() drawKnobSlotInRect:NSMakeRect(bad::kNaN, 0, 0, 0) highlight:YES]);
 
-  Owned<VXAnimatedSelectionTableRowView> row([[VXAnimatedSelectionTableRowView alloc] initWithFrame:NSZeroRect]);
+  Owned<VXAnimatedSelectionTableRowView> row(
+      [[VXAnimatedSelectionTableRowView alloc] initWithFrame:NSZeroRect]);
   for (double v : bad::kValues) {
     EXPECT_CALM([row.get() setBackgroundAlpha:v]) << v;
   }

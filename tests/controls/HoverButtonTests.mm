@@ -33,7 +33,8 @@ TEST_F(HoverButtonTest, ButtonsMadeInCodeGetAButtonCell) {
   Owned<VXButton> button([[VXButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
   EXPECT_EQ([VXButton cellClass], [VXButtonCell class]);
   EXPECT_TRUE([[button.get() cell] isKindOfClass:[VXButtonCell class]]);
-  Owned<VXAnimatedButton> animated([[VXAnimatedButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
+  Owned<VXAnimatedButton> animated(
+      [[VXAnimatedButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
   EXPECT_TRUE([[animated.get() cell] isKindOfClass:[VXButtonCell class]]);
 }
 
@@ -122,7 +123,8 @@ TEST_F(HoverButtonTest, KeyChangesRedrawAndANonKeyWindowFadesTitleAndImage) {
 
 TEST_F(HoverButtonTest, AnimatedButtonWithoutLayerOrWindowHidesAtOnce) {
   NSWindow *window = Window(NSMakeRect(100, 100, 120, 60));
-  VXAnimatedButton *plain = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
+  VXAnimatedButton *plain =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
   [[window contentView] addSubview:plain];
   [plain setAlphaValue:0.6];
   [plain setHidden:YES];
@@ -141,7 +143,8 @@ TEST_F(HoverButtonTest, AnimatedButtonWithoutLayerOrWindowHidesAtOnce) {
 
 TEST_F(HoverButtonTest, AnimatedButtonFadesOutThenHidesAndAShowDuringTheFadeChangesNothing) {
   NSWindow *window = Window(NSMakeRect(100, 100, 120, 60));
-  VXAnimatedButton *button = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
+  VXAnimatedButton *button =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
   [[window contentView] addSubview:button];
   [button setWantsLayer:YES];
 
