@@ -71,8 +71,10 @@ void BM_GradientCellDraw(benchmark::State &state) {
   [drawer setEnabledDrawing:YES];
   [drawer setMainWindowDrawing:YES];
   [drawer setMouseOverDrawing:YES];
-  [drawer setLightShadowOpacity:0.42];
-  [drawer setInnerShadowRadius:2.0];
+  // range(1): 0 the older look's full drawing, 1 without the light edge,
+  // 2 without the inner shadow either (one bitmap and the fill).
+  [drawer setLightShadowOpacity:state.range(1) >= 1 ? 0.0 : 0.42];
+  [drawer setInnerShadowRadius:state.range(1) >= 2 ? 0.0 : 2.0];
   NSImage *icon = Icon();
   [view lockFocus];
   for (auto _ : state) {
@@ -87,7 +89,7 @@ void BM_GradientCellDraw(benchmark::State &state) {
   [NSScreen talvo_setBackingScaleFactorOverride:0];
   [pool drain];
 }
-BENCHMARK(BM_GradientCellDraw)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_GradientCellDraw)->ArgsProduct({{1, 2}, {0, 1, 2}})->Unit(benchmark::kMicrosecond);
 
 // The drawer's parts alone, in the same focused view: the icon's raster
 // (range 0 = 0), one offscreen bitmap (1), a mask over it (2).
@@ -100,7 +102,9 @@ void BM_GradientCellParts(benchmark::State &state) {
   [view lockFocus];
   NSGraphicsContext *graphics = [NSGraphicsContext currentContext];
   NSRect proposed = NSMakeRect(0, 0, 18, 18);
-  CGImageRef raster = CGImageRetain([icon CGImageForProposedRect:&proposed context:graphics hints:nil]);
+  CGImageRef raster = CGImageRetain([icon CGImageForProposedRect:&proposed
+                                                         context:graphics
+                                                           hints:nil]);
   for (auto _ : state) {
     NSAutoreleasePool *inner = [NSAutoreleasePool new];
     if (state.range(0) == 0) {

@@ -8,13 +8,6 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
-// AppKit's tracking-area API, which not every AppKit declares.
-@interface NSView (VXButtonTrackingAreas)
-- (void)addTrackingArea:(NSTrackingArea *)trackingArea;
-- (void)removeTrackingArea:(NSTrackingArea *)trackingArea;
-- (void)updateTrackingAreas;
-@end
-
 @implementation VXButton
 
 #pragma mark - Lifecycle

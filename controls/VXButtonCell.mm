@@ -13,6 +13,7 @@
 @synthesize mouseAbove = _mouseAbove;
 
 - (void)drawInteriorWithFrame:(NSRect)cellFrame inView:(NSView *)controlView {
+  if (![controlView isKindOfClass:[NSView class]]) controlView = nil;
   [NSGraphicsContext saveGraphicsState];
   CGContextRef context = (CGContextRef)[[NSGraphicsContext currentContext] graphicsPort];
   if (context != NULL) {

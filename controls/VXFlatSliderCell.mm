@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "core/controls/ControlGeometry.hpp"
 #import "controls/VXFlatSliderCell+Private.h"
+#include "core/controls/ControlGeometry.hpp"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -20,16 +20,14 @@ static NSImage *_trackRightImageOff = nil;
 static NSImage *_knobHoverImage = nil;
 static NSImage *_knobNormalImage = nil;
 
-static NSString *const kArtworkNames[] = {@"trackCapLeft",     @"trackFill",
-                                          @"trackCapLeftOff",  @"trackFillOff",
-                                          @"trackCapRightOff", @"knobHover",
+static NSString *const kArtworkNames[] = {@"trackCapLeft", @"trackFill",        @"trackCapLeftOff",
+                                          @"trackFillOff", @"trackCapRightOff", @"knobHover",
                                           @"knobNormal"};
 
 // The statics above, in the order of kArtworkNames.
-static NSImage **const kArtworkSlots[] = {&_trackLeftImage,    &_trackFillImage,
-                                          &_trackLeftImageOff, &_trackFillImageOff,
-                                          &_trackRightImageOff, &_knobHoverImage,
-                                          &_knobNormalImage};
+static NSImage **const kArtworkSlots[] = {
+    &_trackLeftImage,     &_trackFillImage, &_trackLeftImageOff, &_trackFillImageOff,
+    &_trackRightImageOff, &_knobHoverImage, &_knobNormalImage};
 static const size_t kArtworkCount = sizeof(kArtworkSlots) / sizeof(kArtworkSlots[0]);
 
 static NSImage *NewBundleImage(NSString *name) {
@@ -88,9 +86,9 @@ static BOOL Drawable(NSImage *image) {
 - (void)drawBarInside:(NSRect)rect flipped:(BOOL)flipped {
   if (!Drawable(_trackFillImage) || !Drawable(_trackFillImageOff)) return;
   [NSGraphicsContext saveGraphicsState];
-  tc::Rect track = tc::SliderTrackRect({rect.origin.x, rect.origin.y, rect.size.width,
-                                        rect.size.height},
-                                       [_trackFillImage size].height);
+  tc::Rect track =
+      tc::SliderTrackRect({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height},
+                          [_trackFillImage size].height);
   if ([self isEnabled]) {
     double split = tc::SliderSplit(track.width, [_knobHoverImage size].width, [self doubleValue],
                                    [self maxValue]);

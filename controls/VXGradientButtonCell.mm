@@ -60,11 +60,13 @@
 
 - (void)drawImage:(NSImage *)image withFrame:(NSRect)frame inView:(NSView *)controlView {
   if (_drawer == nil) return;
+  if (![controlView isKindOfClass:[NSView class]]) controlView = nil;
   NSWindow *window = [controlView window];
   BOOL sheet = [window attachedSheet] != nil;
-  [_drawer setGradient:_gradientType != 0 ? [NSGradient lightGrayGradient]
-                                          : [NSGradient grayGradient]];
-  [_drawer setOnGradient:[self showsStateBy] == NSContentsCellMask ? [NSGradient blueGradient] : nil];
+  [_drawer
+      setGradient:_gradientType != 0 ? [NSGradient lightGrayGradient] : [NSGradient grayGradient]];
+  [_drawer
+      setOnGradient:[self showsStateBy] == NSContentsCellMask ? [NSGradient blueGradient] : nil];
   [_drawer setEnabledDrawing:[self isEnabled] && !sheet];
   [_drawer setMouseOverDrawing:_mouseAbove];
   [_drawer setHighlightedDrawing:[self isHighlighted]];

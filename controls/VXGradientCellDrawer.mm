@@ -98,9 +98,9 @@ static BOOL FiniteRect(NSRect r) {
           graphics:(NSGraphicsContext *)graphics
            context:(CGContextRef)context {
   NSSize fitted = [image scaledSizeThatFitInSize:frame.size];
-  tc::Rect iconRect = tc::CenteredIconRect({frame.origin.x, frame.origin.y, frame.size.width,
-                                            frame.size.height},
-                                           {fitted.width, fitted.height});
+  tc::Rect iconRect =
+      tc::CenteredIconRect({frame.origin.x, frame.origin.y, frame.size.width, frame.size.height},
+                           {fitted.width, fitted.height});
   if (!(iconRect.width > 0.0 && iconRect.height > 0.0)) return;
   double margin = std::isfinite(_innerShadowRadius) ? _innerShadowRadius : 0.0;
   // A negative radius has no shadow and no margin; the bitmaps stay the icon's size.
@@ -125,11 +125,10 @@ static BOOL FiniteRect(NSRect r) {
       },
       outerRect);
   if (source == NULL) return;
-  CGImageRef mask = CGImageMaskCreate(CGImageGetWidth(source), CGImageGetHeight(source),
-                                      CGImageGetBitsPerComponent(source),
-                                      CGImageGetBitsPerPixel(source),
-                                      CGImageGetBytesPerRow(source),
-                                      CGImageGetDataProvider(source), NULL, false);
+  CGImageRef mask =
+      CGImageMaskCreate(CGImageGetWidth(source), CGImageGetHeight(source),
+                        CGImageGetBitsPerComponent(source), CGImageGetBitsPerPixel(source),
+                        CGImageGetBytesPerRow(source), CGImageGetDataProvider(source), NULL, false);
   CGImageRelease(source);
   if (mask == NULL) return;
 

@@ -47,6 +47,7 @@
 
 - (void)drawImageWithFrame:(NSRect)cellFrame inView:(NSView *)controlView {
   if (_drawer == nil) return;
+  if (![controlView isKindOfClass:[NSView class]]) controlView = nil;
   NSWindow *window = [controlView window];
   BOOL sheet = [window attachedSheet] != nil;
   [_drawer setGradient:[NSGradient grayGradient]];

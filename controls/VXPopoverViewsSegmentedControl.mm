@@ -5,8 +5,8 @@
 #include <cmath>
 #include <vector>
 
-#include "core/controls/ControlGeometry.hpp"
 #import "controls/VXPopoverViewsSegmentedControl+Private.h"
+#include "core/controls/ControlGeometry.hpp"
 #import "support/TalvoMRC.h"
 
 #if __has_feature(objc_arc)
@@ -94,6 +94,8 @@ static NSString *SegmentKey(NSInteger segment) {
 }
 
 - (void)mouseDown:(NSEvent *)event {
+  // Without an event AppKit's tracking would wait for a mouse-up forever.
+  if (![event isKindOfClass:[NSEvent class]]) return;
   [super mouseDown:event];
   [self showPopoverView];
 }
@@ -179,8 +181,9 @@ static NSString *SegmentKey(NSInteger segment) {
           [self performSelector:@selector(_dismissUnlessKeyOrColorPanel)
                      withObject:nil
                      afterDelay:0
-                        inModes:@[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
-                                   NSEventTrackingRunLoopMode ]];
+                        inModes:@[
+                          NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode
+                        ]];
           return;
         }
         if ([key isMemberOfClass:[NSColorPanel class]]) return;

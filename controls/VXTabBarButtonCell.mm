@@ -29,6 +29,7 @@ static NSGradient *gBezelGradient = nil;
 
 - (void)drawBezelWithFrame:(NSRect)frame inView:(NSView *)controlView {
   if ([self state] != NSOnState) return;
+  if (![controlView isKindOfClass:[NSView class]]) controlView = nil;
   [NSGraphicsContext saveGraphicsState];
   if (!TalvoUsesNewerLook()) {
     if (gBezelGradient == nil) {

@@ -21,13 +21,12 @@ Rect CenteredIconRect(Rect frame, Size fitted) {
 }
 
 Rect OutsetRect(Rect rect, double margin) {
-  return {rect.x - margin, rect.y - margin, rect.width + 2.0 * margin,
-          rect.height + 2.0 * margin};
+  return {rect.x - margin, rect.y - margin, rect.width + 2.0 * margin, rect.height + 2.0 * margin};
 }
 
 Rect SliderTrackRect(Rect bar, double fillHeight) {
-  return {bar.x + 2.0, bar.y + std::round((bar.height - fillHeight) * 0.5) + 1.0,
-          bar.width - 4.0, fillHeight};
+  return {bar.x + 2.0, bar.y + std::round((bar.height - fillHeight) * 0.5) + 1.0, bar.width - 4.0,
+          fillHeight};
 }
 
 double SliderSplit(double trackWidth, double knobWidth, double value, double maxValue) {

@@ -19,19 +19,25 @@ static NSImage *GalleryIcon(CGFloat side) {
   return image;
 }
 
-// The drawer's states side by side, one row per look.
-@interface ControlsPageDrawerGrid : NSView {
+// One state of the drawer in one look. The drawer draws in a control's
+// bounds (it flips about their height), so each state has a view of its own.
+@interface ControlsPageDrawerState : NSView {
   NSImage *_icon;
+  BOOL _newer;
+  int _state;
 }
+- (instancetype)initWithFrame:(NSRect)frame newerLook:(BOOL)newer state:(int)state;
 @end
 
-@implementation ControlsPageDrawerGrid
+@implementation ControlsPageDrawerState
 
-static const int kStates = 7;
-
-- (instancetype)initWithFrame:(NSRect)frame {
+- (instancetype)initWithFrame:(NSRect)frame newerLook:(BOOL)newer state:(int)state {
   self = [super initWithFrame:frame];
-  if (self != nil) _icon = [GalleryIcon(18) retain];
+  if (self != nil) {
+    _icon = [GalleryIcon(18) retain];
+    _newer = newer;
+    _state = state;
+  }
   return self;
 }
 
@@ -43,27 +49,20 @@ static const int kStates = 7;
 - (void)drawRect:(NSRect)dirtyRect {
   [[NSColor colorWithCalibratedWhite:0.93 alpha:1] set];
   NSRectFill([self bounds]);
-  CGFloat cell = NSWidth([self bounds]) / kStates;
-  CGFloat rowHeight = NSHeight([self bounds]) / 2;
-  for (int look = 0; look < 2; ++look) {
-    BOOL newer = look == 1;
-    for (int state = 0; state < kStates; ++state) {
-      VXGradientCellDrawer *drawer = [[VXGradientCellDrawer alloc] init];
-      [drawer setGradient:[NSGradient grayGradientForNewerLook:newer]];
-      [drawer setOnGradient:[NSGradient blueGradientForNewerLook:newer]];
-      [drawer setLightShadowOpacity:newer ? 0.0 : 0.42];
-      [drawer setInnerShadowRadius:newer ? 1.0 : 2.0];
-      [drawer setInnerShadowOpacity:newer ? 1.0 : 0.85];
-      [drawer setEnabledDrawing:state != 4];
-      [drawer setMainWindowDrawing:state != 5];
-      [drawer setMouseOverDrawing:state == 1 || state == 6];
-      [drawer setHighlightedDrawing:state == 2 || state == 6];
-      [drawer setDrawingState:state == 3 ? 1 : 0];
-      NSRect frame = NSMakeRect(state * cell, (1 - look) * rowHeight, cell, rowHeight);
-      [drawer drawImage:_icon inFrame:frame];
-      [drawer release];
-    }
-  }
+  // 0 normal, 1 over, 2 pressed, 3 on, 4 disabled, 5 not main, 6 over and pressed.
+  VXGradientCellDrawer *drawer = [[VXGradientCellDrawer alloc] init];
+  [drawer setGradient:[NSGradient grayGradientForNewerLook:_newer]];
+  [drawer setOnGradient:[NSGradient blueGradientForNewerLook:_newer]];
+  [drawer setLightShadowOpacity:_newer ? 0.0 : 0.42];
+  [drawer setInnerShadowRadius:_newer ? 1.0 : 2.0];
+  [drawer setInnerShadowOpacity:_newer ? 1.0 : 0.85];
+  [drawer setEnabledDrawing:_state != 4];
+  [drawer setMainWindowDrawing:_state != 5];
+  [drawer setMouseOverDrawing:_state == 1 || _state == 6];
+  [drawer setHighlightedDrawing:_state == 2 || _state == 6];
+  [drawer setDrawingState:_state == 3 ? 1 : 0];
+  [drawer drawImage:_icon inFrame:[self bounds]];
+  [drawer release];
 }
 
 @end
@@ -119,16 +118,24 @@ static const int kStates = 7;
   NSImage *icon = GalleryIcon(16);
 
   // The drawer's states: normal, over, pressed, on, disabled, not main, over + pressed.
-  [self addLabel:@"normal  over  pressed  on  disabled  not main  both" at:NSMakePoint(20, top - 24)
+  [self addLabel:@"normal   over  pressed   on   disabled  not main  both"
+              at:NSMakePoint(20, top - 24)
               to:page];
-  [page addSubview:[[[ControlsPageDrawerGrid alloc]
-                       initWithFrame:NSMakeRect(20, top - 100, 336, 72)] autorelease]];
+  for (int look = 0; look < 2; ++look) {
+    for (int state = 0; state < 7; ++state) {
+      NSRect cell = NSMakeRect(20 + state * 48, top - 64 - look * 36, 48, 36);
+      [page addSubview:[[[ControlsPageDrawerState alloc] initWithFrame:cell
+                                                             newerLook:look == 1
+                                                                 state:state] autorelease]];
+    }
+  }
   [self addLabel:@"older look (top), newer look (bottom)" at:NSMakePoint(20, top - 120) to:page];
 
   // Gradient button cells in buttons: plain, light gray, on with blue.
   CGFloat x = 380;
   for (int i = 0; i < 3; ++i) {
-    VXButton *button = [[[VXButton alloc] initWithFrame:NSMakeRect(x + i * 44, top - 60, 36, 30)] autorelease];
+    VXButton *button =
+        [[[VXButton alloc] initWithFrame:NSMakeRect(x + i * 44, top - 60, 36, 30)] autorelease];
     VXGradientButtonCell *cell = [[[VXGradientButtonCell alloc] initImageCell:icon] autorelease];
     [cell setBordered:NO];
     [cell setImagePosition:NSImageOnly];
@@ -141,7 +148,8 @@ static const int kStates = 7;
   }
   // Tab-bar cells, the middle one on.
   for (int i = 0; i < 3; ++i) {
-    NSButton *tab = [[[NSButton alloc] initWithFrame:NSMakeRect(x + 140 + i * 56, top - 60, 52, 30)] autorelease];
+    NSButton *tab = [[[NSButton alloc] initWithFrame:NSMakeRect(x + 140 + i * 56, top - 60, 52, 30)]
+        autorelease];
     VXTabBarButtonCell *cell = [[[VXTabBarButtonCell alloc] init] autorelease];
     [cell setImage:icon];
     [cell setImagePosition:NSImageOnly];
@@ -159,6 +167,8 @@ static const int kStates = 7;
   [popUp setCell:popUpCell];
   [popUp addItemWithTitle:@""];
   [[popUp itemAtIndex:0] setImage:icon];
+  [popUp selectItemAtIndex:0];
+  [popUpCell setImage:icon];
   [page addSubview:popUp];
   [self addLabel:@"gradient pop-up" at:NSMakePoint(x + 70, top - 124) to:page];
 
@@ -166,7 +176,8 @@ static const int kStates = 7;
   CGFloat y = top - 170;
   const double values[] = {0, 30, 70, 100};
   for (int i = 0; i < 5; ++i) {
-    NSSlider *slider = [[[NSSlider alloc] initWithFrame:NSMakeRect(20 + i * 136, y, 124, 22)] autorelease];
+    NSSlider *slider =
+        [[[NSSlider alloc] initWithFrame:NSMakeRect(20 + i * 136, y, 124, 22)] autorelease];
     [slider setCell:[[[VXFlatSliderCell alloc] init] autorelease]];
     [slider setMinValue:0];
     [slider setMaxValue:100];
@@ -174,23 +185,28 @@ static const int kStates = 7;
     [slider setEnabled:i < 4];
     [page addSubview:slider];
   }
-  [self addLabel:@"flat slider at 0, 30, 70, 100; disabled at 50" at:NSMakePoint(20, y - 20) to:page];
+  [self addLabel:@"flat slider at 0, 30, 70, 100; disabled at 50"
+              at:NSMakePoint(20, y - 20)
+              to:page];
 
   // Small views.
   y = top - 250;
   for (int i = 0; i < 2; ++i) {
-    VXMatteColorWell *well = [[[VXMatteColorWell alloc] initWithFrame:NSMakeRect(20 + i * 60, y, 50, 30)] autorelease];
+    VXMatteColorWell *well =
+        [[[VXMatteColorWell alloc] initWithFrame:NSMakeRect(20 + i * 60, y, 50, 30)] autorelease];
     [well setBordered:i == 0];
     [well setFrame:[well frame]];
     [well setColor:i == 0 ? [NSColor colorWithCalibratedRed:0.85 green:0.3 blue:0.2 alpha:1]
                           : [NSColor colorWithCalibratedRed:0.2 green:0.45 blue:0.85 alpha:1]];
     [page addSubview:well];
   }
-  VXMaskImageView *mask = [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(150, y, 30, 30)] autorelease];
+  VXMaskImageView *mask =
+      [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(150, y, 30, 30)] autorelease];
   [mask setMaskImage:GalleryIcon(30)];
   [mask setFillColor:[NSColor colorWithCalibratedRed:0.1 green:0.6 blue:0.3 alpha:1]];
   [page addSubview:mask];
-  NSTextField *field = [[[NSTextField alloc] initWithFrame:NSMakeRect(200, y - 6, 160, 42)] autorelease];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(200, y - 6, 160, 42)] autorelease];
   VXVerticallyCenteredTextFieldCell *fieldCell =
       [[[VXVerticallyCenteredTextFieldCell alloc] initTextCell:@"Centred text"] autorelease];
   [fieldCell setEditable:YES];
@@ -201,12 +217,15 @@ static const int kStates = 7;
   VXButton *hover = [[[VXButton alloc] initWithFrame:NSMakeRect(380, y, 100, 28)] autorelease];
   [hover setTitle:@"Hover me"];
   [page addSubview:hover];
-  VXAnimatedButton *fading = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(490, y, 100, 28)] autorelease];
+  VXAnimatedButton *fading =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(490, y, 100, 28)] autorelease];
   [fading setTitle:@"Fading"];
   [fading setWantsLayer:YES];
   [page addSubview:fading];
-  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(610, y - 60, 90, 90)] autorelease];
-  VXTransparentScroller *scroller = [[[VXTransparentScroller alloc] initWithFrame:NSMakeRect(0, 0, 12, 90)] autorelease];
+  NSScrollView *scroll =
+      [[[NSScrollView alloc] initWithFrame:NSMakeRect(610, y - 60, 90, 90)] autorelease];
+  VXTransparentScroller *scroller =
+      [[[VXTransparentScroller alloc] initWithFrame:NSMakeRect(0, 0, 12, 90)] autorelease];
   [scroll setVerticalScroller:scroller];
   [scroll setHasVerticalScroller:YES];
   [scroll setDocumentView:GallerySwatch([NSColor colorWithCalibratedWhite:0.8 alpha:1],
@@ -218,8 +237,8 @@ static const int kStates = 7;
 
   // The popover segmented control, its first segment's popup open.
   y = top - 340;
-  VXPopoverViewsSegmentedControl *segmented =
-      [[[VXPopoverViewsSegmentedControl alloc] initWithFrame:NSMakeRect(20, y, 210, 24)] autorelease];
+  VXPopoverViewsSegmentedControl *segmented = [[[VXPopoverViewsSegmentedControl alloc]
+      initWithFrame:NSMakeRect(20, y, 210, 24)] autorelease];
   [segmented setSegmentCount:3];
   NSArray *labels = @[ @"Colour", @"Size", @"None" ];
   for (NSInteger i = 0; i < 3; ++i) {
@@ -227,9 +246,10 @@ static const int kStates = 7;
     [segmented setLabel:[labels objectAtIndex:(NSUInteger)i] forSegment:i];
   }
   for (NSInteger i = 0; i < 2; ++i) {
-    NSView *accessory = GallerySwatch(i == 0 ? [NSColor colorWithCalibratedRed:0.95 green:0.8 blue:0.4 alpha:1]
-                                             : [NSColor colorWithCalibratedRed:0.6 green:0.8 blue:0.95 alpha:1],
-                                      NSMakeRect(0, 0, 120 + 40 * i, 60));
+    NSView *accessory =
+        GallerySwatch(i == 0 ? [NSColor colorWithCalibratedRed:0.95 green:0.8 blue:0.4 alpha:1]
+                             : [NSColor colorWithCalibratedRed:0.6 green:0.8 blue:0.95 alpha:1],
+                      NSMakeRect(0, 0, 120 + 40 * i, 60));
     [accessory addSubview:GalleryLabel(i == 0 ? @"segment 1's view" : @"segment 2's view",
                                        NSMakeRect(8, 20, 150, 17))];
     [segmented setAccessoryView:accessory forSegment:i];
@@ -238,7 +258,8 @@ static const int kStates = 7;
   [segmented awakeFromNib];
   [page addSubview:segmented];
   [page setSegmented:segmented];
-  [self addLabel:@"popover segmented control (segment 3 has no view)" at:NSMakePoint(20, y - 24)
+  [self addLabel:@"popover segmented control (segment 3 has no view)"
+              at:NSMakePoint(20, y - 24)
               to:page];
   return page;
 }
@@ -251,8 +272,8 @@ static const int kStates = 7;
       for (NSWindow *child in [[pageView window] childWindows]) {
         if ([child isVisible]) shown = YES;
       }
-      return [NSString stringWithFormat:@"popover segment %ld %@", (long)segment,
-                                        shown ? @"shown" : @"hidden"];
+      return [NSString
+          stringWithFormat:@"popover segment %ld %@", (long)segment, shown ? @"shown" : @"hidden"];
     }
   }
   return @"no popover control";

@@ -70,6 +70,7 @@ TALVO_EXTERN const double TalvoVersionNumber;
 #import <Talvo/VXAnimatedButton.h>
 #import <Talvo/VXMatteColorWell.h>
 #import <Talvo/VXVerticallyCenteredTextFieldCell.h>
+#import <Talvo/VXAnimatedSelectionTableRowView.h>
 #import <Talvo/VXMaskImageView.h>
 #import <Talvo/VXTransparentScroller.h>
 

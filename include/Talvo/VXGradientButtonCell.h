@@ -28,7 +28,9 @@ NS_ASSUME_NONNULL_BEGIN
 
 /** Draws `image` through the drawer in the control view's bounds; the frame
  * is not used. */
-- (void)drawImage:(nullable NSImage *)image withFrame:(NSRect)frame inView:(nullable NSView *)controlView;
+- (void)drawImage:(nullable NSImage *)image
+        withFrame:(NSRect)frame
+           inView:(nullable NSView *)controlView;
 
 @end
 

@@ -19,7 +19,9 @@ NS_ASSUME_NONNULL_BEGIN
 /** The item's image and the arrows, through the drawer. */
 - (void)drawImageWithFrame:(NSRect)cellFrame inView:(nullable NSView *)controlView;
 /** Nothing. */
-- (void)drawImage:(nullable NSImage *)image withFrame:(NSRect)frame inView:(nullable NSView *)controlView;
+- (void)drawImage:(nullable NSImage *)image
+        withFrame:(NSRect)frame
+           inView:(nullable NSView *)controlView;
 /** Nothing. */
 - (void)drawBezelWithFrame:(NSRect)frame inView:(nullable NSView *)controlView;
 /** Nothing. */

@@ -107,8 +107,8 @@ TEST_F(ControlsNibTest, GradientCellsDecodedFromAnArchiveGetADrawer) {
   EXPECT_NE([decoded _drawer], nil);
   EXPECT_NE([decoded _drawer], [cell.get() _drawer]);
   Owned<VXTabBarButtonCell> tab([[VXTabBarButtonCell alloc] init]);
-  VXTabBarButtonCell *decodedTab =
-      [NSKeyedUnarchiver unarchiveObjectWithData:[NSKeyedArchiver archivedDataWithRootObject:tab.get()]];
+  VXTabBarButtonCell *decodedTab = [NSKeyedUnarchiver
+      unarchiveObjectWithData:[NSKeyedArchiver archivedDataWithRootObject:tab.get()]];
   ASSERT_TRUE([decodedTab isKindOfClass:[VXTabBarButtonCell class]]);
   EXPECT_NE([decodedTab _drawer], nil);
   EXPECT_EQ([decodedTab nextState], NSOnState);

@@ -39,4 +39,6 @@ class ControlsTest : public WindowTest {
   Owned<NSMutableArray> windows_{[NSMutableArray new]};
 };
 
-#define EXPECT_PIXEL_AT(view, x, y, ...) EXPECT_TRUE(PixelNear(ViewPixel((view), (x), (y)), Pixel{__VA_ARGS__}, 3)) << "at " << (x) << "," << (y)
+#define EXPECT_PIXEL_AT(view, x, y, ...)                                     \
+  EXPECT_TRUE(PixelNear(ViewPixel((view), (x), (y)), Pixel{__VA_ARGS__}, 3)) \
+      << "at " << (x) << "," << (y)

@@ -25,8 +25,14 @@ class FlatSliderCellTest : public ControlsTest {
       @"trackCapLeftOff" : Solid(NSMakeSize(2, 4), off),
       @"trackFillOff" : Solid(NSMakeSize(1, 4), off),
       @"trackCapRightOff" : Solid(NSMakeSize(2, 4), off),
-      @"knobHover" : Solid(NSMakeSize(10, 10), [NSColor colorWithDeviceRed:1 green:1 blue:0 alpha:1]),
-      @"knobNormal" : Solid(NSMakeSize(10, 10), [NSColor colorWithDeviceRed:1 green:0 blue:0 alpha:1]),
+      @"knobHover" : Solid(NSMakeSize(10, 10), [NSColor colorWithDeviceRed:1
+                                                                     green:1
+                                                                      blue:0
+                                                                     alpha:1]),
+      @"knobNormal" : Solid(NSMakeSize(10, 10), [NSColor colorWithDeviceRed:1
+                                                                      green:0
+                                                                       blue:0
+                                                                      alpha:1]),
     }];
   }
   void TearDown() override {
@@ -66,12 +72,12 @@ TEST_F(FlatSliderCellTest, TrackSplitsAtTheKnobCentreForEachValue) {
     [cell setMinValue:0];
     [cell setMaxValue:100];
     [cell setDoubleValue:c.value];
-    TVDrawingView *view = [[[TVDrawingView alloc]
-        initWithFrame:NSMakeRect(0, 0, 104, 20)
-              flipped:YES
-              drawing:^(NSView *v, NSRect dirty) {
-                [cell drawBarInside:[v bounds] flipped:YES];
-              }] autorelease];
+    TVDrawingView *view = [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 104, 20)
+                                                        flipped:YES
+                                                        drawing:^(NSView *v, NSRect dirty) {
+                                                          [cell drawBarInside:[v bounds]
+                                                                      flipped:YES];
+                                                        }] autorelease];
     [[window contentView] addSubview:view];
     Owned<NSBitmapImageRep> rep(NewViewSnapshot(view));
     EXPECT_PIXEL(RepPixel(rep, 1, kTrackRow), 255, 255, 255, 255) << c.value;
@@ -79,8 +85,10 @@ TEST_F(FlatSliderCellTest, TrackSplitsAtTheKnobCentreForEachValue) {
     EXPECT_PIXEL(RepPixel(rep, 50, 6), 255, 255, 255, 255) << c.value;
     EXPECT_PIXEL(RepPixel(rep, 50, 11), 255, 255, 255, 255) << c.value;
     EXPECT_PIXEL(RepPixel(rep, 2, kTrackRow), 0, 0, 255, 255) << c.value;  // the on cap
-    if (c.split > 12) EXPECT_PIXEL(RepPixel(rep, 2 + c.split - 5, kTrackRow), 0, 0, 255, 255) << c.value;
-    if (c.split < 90) EXPECT_PIXEL(RepPixel(rep, 2 + c.split + 5, kTrackRow), 0, 255, 0, 255) << c.value;
+    if (c.split > 12)
+      EXPECT_PIXEL(RepPixel(rep, 2 + c.split - 5, kTrackRow), 0, 0, 255, 255) << c.value;
+    if (c.split < 90)
+      EXPECT_PIXEL(RepPixel(rep, 2 + c.split + 5, kTrackRow), 0, 255, 0, 255) << c.value;
     // The on artwork ends and the off artwork begins at the split (the
     // three-part drawing may leave a missing cap's width empty).
     int lastOn = -1, firstOff = -1;

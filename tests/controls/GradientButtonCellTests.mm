@@ -109,8 +109,8 @@ TEST_F(GradientButtonCellTest, ChildWindowCountsAsMainForTheButtonCellOnly) {
   DrawImage(cell, button);
   EXPECT_TRUE([[cell.get() _drawer] mainWindowDrawing]);
 
-  Owned<VXGradientPopUpButtonCell> popUp(
-      [[VXGradientPopUpButtonCell alloc] initTextCell:@"" pullsDown:NO]);
+  Owned<VXGradientPopUpButtonCell> popUp([[VXGradientPopUpButtonCell alloc] initTextCell:@""
+                                                                               pullsDown:NO]);
   NSPopUpButton *control =
       [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 30)] autorelease];
   [control setCell:popUp];
@@ -129,7 +129,10 @@ TEST_F(GradientButtonCellTest, IconIsDrawnCentredInTheControlBoundsNotTheImageFr
   [cell.get() setImage:SquareIcon(NSMakeSize(10, 10), 0, [NSColor blackColor])];
   [cell.get() setImagePosition:NSImageOnly];
   NSButton *button = Button(cell, window);
-  [[cell.get() _drawer] setGradient:SolidGradient([NSColor colorWithDeviceRed:0 green:1 blue:0 alpha:1])];
+  [[cell.get() _drawer] setGradient:SolidGradient([NSColor colorWithDeviceRed:0
+                                                                        green:1
+                                                                         blue:0
+                                                                        alpha:1])];
   [cell.get() setGradientType:0];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(button));
   // The cell picks its preset before each draw: a gray fill at (15..24, 10..19).
@@ -142,8 +145,8 @@ TEST_F(GradientButtonCellTest, IconIsDrawnCentredInTheControlBoundsNotTheImageFr
 TEST_F(GradientButtonCellTest, PopUpCellDrawsNoBezelBorderOrImageOfItsOwn) {
   TalvoSetAppKitVersionForTesting(1000);
   NSWindow *window = Window(NSMakeRect(100, 100, 80, 60));
-  Owned<VXGradientPopUpButtonCell> cell(
-      [[VXGradientPopUpButtonCell alloc] initTextCell:@"" pullsDown:NO]);
+  Owned<VXGradientPopUpButtonCell> cell([[VXGradientPopUpButtonCell alloc] initTextCell:@""
+                                                                              pullsDown:NO]);
   NSPopUpButton *control =
       [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 30)] autorelease];
   [control setCell:cell];
@@ -156,8 +159,8 @@ TEST_F(GradientButtonCellTest, PopUpCellDrawsNoBezelBorderOrImageOfItsOwn) {
               [c drawBezelWithFrame:[v bounds] inView:v];
               [c drawBorderAndBackgroundWithFrame:[v bounds] inView:v];
               [c drawImage:SquareIcon(NSMakeSize(20, 20), 0, [NSColor blackColor])
-                          withFrame:[v bounds]
-                             inView:v];
+                  withFrame:[v bounds]
+                     inView:v];
             }] autorelease];
   [[window contentView] addSubview:probe];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(probe));
@@ -190,12 +193,11 @@ TEST_F(GradientButtonCellTest, TabBarCellOnlySwitchesOnAndDrawsItsBezelWhenOn) {
   EXPECT_EQ([cell.get() state], NSOnState);
 
   __block VXTabBarButtonCell *c = cell;  // not retained by the block
-  TVDrawingView *probe = [[[TVDrawingView alloc]
-      initWithFrame:NSMakeRect(0, 0, 100, 30)
-            flipped:NO
-            drawing:^(NSView *v, NSRect dirty) {
-              [c drawBezelWithFrame:[v bounds] inView:v];
-            }] autorelease];
+  TVDrawingView *probe = [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 100, 30)
+                                                       flipped:NO
+                                                       drawing:^(NSView *v, NSRect dirty) {
+                                                         [c drawBezelWithFrame:[v bounds] inView:v];
+                                                       }] autorelease];
   [[window contentView] addSubview:probe positioned:NSWindowAbove relativeTo:nil];
   Owned<NSBitmapImageRep> on(NewViewSnapshot(probe));
   // The soft dark edges 1 point in from each side; the middle a faint band.
@@ -218,8 +220,8 @@ TEST_F(GradientButtonCellTest, CopiesHaveTheirOwnDrawerAndNilInputIsHarmless) {
   [cell.get() drawImage:SquareIcon(NSMakeSize(4, 4), 0, [NSColor blackColor])
               withFrame:NSZeroRect
                  inView:nil];
-  Owned<VXGradientPopUpButtonCell> popUp(
-      [[VXGradientPopUpButtonCell alloc] initTextCell:@"" pullsDown:NO]);
+  Owned<VXGradientPopUpButtonCell> popUp([[VXGradientPopUpButtonCell alloc] initTextCell:@""
+                                                                               pullsDown:NO]);
   [popUp.get() drawImageWithFrame:NSMakeRect(0, 0, 10, 10) inView:nil];
   Owned<VXGradientPopUpButtonCell> popUpCopy([popUp.get() copy]);
   EXPECT_NE([popUpCopy.get() _drawer], [popUp.get() _drawer]);

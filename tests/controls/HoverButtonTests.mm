@@ -33,7 +33,8 @@ TEST_F(HoverButtonTest, ButtonsMadeInCodeGetAButtonCell) {
   Owned<VXButton> button([[VXButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
   EXPECT_EQ([VXButton cellClass], [VXButtonCell class]);
   EXPECT_TRUE([[button.get() cell] isKindOfClass:[VXButtonCell class]]);
-  Owned<VXAnimatedButton> animated([[VXAnimatedButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
+  Owned<VXAnimatedButton> animated(
+      [[VXAnimatedButton alloc] initWithFrame:NSMakeRect(0, 0, 60, 24)]);
   EXPECT_TRUE([[animated.get() cell] isKindOfClass:[VXButtonCell class]]);
 }
 
@@ -54,10 +55,10 @@ TEST_F(HoverButtonTest, HoverFollowsThePointerInAndOutAndWhenTheButtonMoves) {
   EXPECT_FALSE([cell isMouseAbove]);
   EXPECT_TRUE([button needsDisplay]);
 
-  // Moved under a new place: the tracked rectangle follows.
+  // Moved to a new place: the tracked area follows (AppKit asks the button
+  // to update its areas when its geometry changes).
   [button setFrameOrigin:NSMakePoint(120, 60)];
-  [button updateTrackingAreas];
-  [window displayIfNeeded];
+  Pump(0.05);
   MoveTo(window, NSMakePoint(40, 30));
   EXPECT_FALSE([cell isMouseAbove]);
   MoveTo(window, NSMakePoint(140, 70));
@@ -66,13 +67,26 @@ TEST_F(HoverButtonTest, HoverFollowsThePointerInAndOutAndWhenTheButtonMoves) {
   EXPECT_FALSE([cell isMouseAbove]);
 }
 
+TEST_F(HoverButtonTest, EachUpdateReplacesTheTrackedAreaWithOneOverTheBounds) {
+  NSWindow *window = Window(NSMakeRect(100, 100, 200, 100));
+  VXButton *button = [[[VXButton alloc] initWithFrame:NSMakeRect(20, 20, 60, 24)] autorelease];
+  [[window contentView] addSubview:button];
+  for (int i = 0; i < 3; ++i) [button updateTrackingAreas];
+  [button setFrameSize:NSMakeSize(80, 30)];
+  Pump(0.05);  // AppKit asks for the update in a later run-loop turn
+  NSArray *areas = [button trackingAreas];
+  ASSERT_EQ([areas count], 1u);
+  EXPECT_TRUE(NSEqualRects([[areas objectAtIndex:0] rect], NSMakeRect(0, 0, 80, 30)))
+      << [NSStringFromRect([[areas objectAtIndex:0] rect]) UTF8String];
+  EXPECT_EQ([[areas objectAtIndex:0] owner], button);
+}
+
 TEST_F(HoverButtonTest, HoverReachesAGradientCellAndACellWithoutTheFlagIsLeftAlone) {
   NSWindow *window = Window(NSMakeRect(100, 100, 200, 100));
   VXButton *button = [[[VXButton alloc] initWithFrame:NSMakeRect(20, 20, 60, 24)] autorelease];
   VXGradientButtonCell *gradient = [[[VXGradientButtonCell alloc] initTextCell:@""] autorelease];
   [button setCell:gradient];
   [[window contentView] addSubview:button];
-  [button updateTrackingAreas];
   MoveTo(window, NSMakePoint(5, 5));
   MoveTo(window, NSMakePoint(40, 30));
   EXPECT_TRUE([gradient isMouseAbove]);
@@ -109,7 +123,8 @@ TEST_F(HoverButtonTest, KeyChangesRedrawAndANonKeyWindowFadesTitleAndImage) {
 
 TEST_F(HoverButtonTest, AnimatedButtonWithoutLayerOrWindowHidesAtOnce) {
   NSWindow *window = Window(NSMakeRect(100, 100, 120, 60));
-  VXAnimatedButton *plain = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
+  VXAnimatedButton *plain =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
   [[window contentView] addSubview:plain];
   [plain setAlphaValue:0.6];
   [plain setHidden:YES];
@@ -128,7 +143,8 @@ TEST_F(HoverButtonTest, AnimatedButtonWithoutLayerOrWindowHidesAtOnce) {
 
 TEST_F(HoverButtonTest, AnimatedButtonFadesOutThenHidesAndAShowDuringTheFadeChangesNothing) {
   NSWindow *window = Window(NSMakeRect(100, 100, 120, 60));
-  VXAnimatedButton *button = [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
+  VXAnimatedButton *button =
+      [[[VXAnimatedButton alloc] initWithFrame:NSMakeRect(10, 10, 60, 24)] autorelease];
   [[window contentView] addSubview:button];
   [button setWantsLayer:YES];
 

@@ -15,8 +15,8 @@ class PopoverSegmentedControlTest : public ControlsTest {
     ControlsTest::SetUp();
     if (IsSkipped()) return;
     window_ = Window(NSMakeRect(200, 300, 300, 120));
-    control_ = [[[VXPopoverViewsSegmentedControl alloc]
-        initWithFrame:NSMakeRect(20, 60, 240, 24)] autorelease];
+    control_ = [[[VXPopoverViewsSegmentedControl alloc] initWithFrame:NSMakeRect(20, 60, 240, 24)]
+        autorelease];
     [control_ setSegmentCount:3];
     const CGFloat widths[] = {60, 70, 80};
     for (NSInteger i = 0; i < 3; ++i) {
@@ -102,7 +102,8 @@ TEST_F(PopoverSegmentedControlTest, AccessoryViewsAreKeptBySegmentNumber) {
 }
 
 TEST_F(PopoverSegmentedControlTest, PopupHangsUnderTheSelectedSegmentsCentre) {
-  NSRect control = [window_ convertRectToScreen:[control_ convertRect:[control_ bounds] toView:nil]];
+  NSRect control = [window_ convertRectToScreen:[control_ convertRect:[control_ bounds]
+                                                               toView:nil]];
   const struct {
     NSInteger segment;
     double centre;

@@ -11,7 +11,7 @@
 
 using SmallViewsTest = ControlsTest;
 
-#define EXPECT_RECT_EQ(rect, ex, ey, ew, eh)           \
+#define EXPECT_RECT_EQ(rect, ex, ey, ew, eh)                    \
   EXPECT_TRUE(NSEqualRects((rect), NSMakeRect(ex, ey, ew, eh))) \
       << [NSStringFromRect(rect) UTF8String]
 
@@ -38,10 +38,10 @@ TEST_F(SmallViewsTest, MatteWellDrawsSwatchLightLineOutlinesAndGradient) {
   [well setColor:[NSColor colorWithDeviceRed:1 green:0 blue:0 alpha:1]];
   [[window contentView] addSubview:well];
   Owned<NSBitmapImageRep> rep(NewViewSnapshot(well));
-  EXPECT_PIXEL(RepPixel(rep, 20, 15), 255, 0, 0, 255);         // swatch
-  EXPECT_PIXEL(RepPixel(rep, 5, 15), 128, 128, 128, 255);      // swatch outline
-  EXPECT_PIXEL(RepPixel(rep, 0, 15), 128, 128, 128, 255);      // well outline
-  EXPECT_PIXEL(RepPixel(rep, 20, 4), 222, 222, 222, 255);      // light line below
+  EXPECT_PIXEL(RepPixel(rep, 20, 15), 255, 0, 0, 255);     // swatch
+  EXPECT_PIXEL(RepPixel(rep, 5, 15), 128, 128, 128, 255);  // swatch outline
+  EXPECT_PIXEL(RepPixel(rep, 0, 15), 128, 128, 128, 255);  // well outline
+  EXPECT_PIXEL(RepPixel(rep, 20, 4), 222, 222, 222, 255);  // light line below
   Pixel bottom = RepPixel(rep, 2, 1);
   Pixel top = RepPixel(rep, 2, 28);
   // Not active: the gradient runs at 90 degrees, 0.7 at the bottom.
@@ -51,7 +51,8 @@ TEST_F(SmallViewsTest, MatteWellDrawsSwatchLightLineOutlinesAndGradient) {
 
 TEST_F(SmallViewsTest, CentredTextRectShrinksToTheTextUnlessEditing) {
   NSWindow *window = Window(NSMakeRect(100, 100, 200, 80));
-  NSTextField *field = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 150, 60)] autorelease];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 150, 60)] autorelease];
   VXVerticallyCenteredTextFieldCell *cell =
       [[[VXVerticallyCenteredTextFieldCell alloc] initTextCell:@"Centre"] autorelease];
   [cell setEditable:YES];
@@ -66,7 +67,8 @@ TEST_F(SmallViewsTest, CentredTextRectShrinksToTheTextUnlessEditing) {
   NSRect centred = [cell drawingRectForBounds:bounds];
   ASSERT_LT(textHeight, inherited.size.height);
   EXPECT_DOUBLE_EQ(centred.size.height, textHeight);
-  EXPECT_NEAR(centred.origin.y, inherited.origin.y + (inherited.size.height - textHeight) / 2, 1e-4);
+  EXPECT_NEAR(centred.origin.y, inherited.origin.y + (inherited.size.height - textHeight) / 2,
+              1e-4);
   EXPECT_DOUBLE_EQ(centred.origin.x, inherited.origin.x);
 
   // Editing: the field editor sits in the centred rect, centred once.
@@ -74,9 +76,11 @@ TEST_F(SmallViewsTest, CentredTextRectShrinksToTheTextUnlessEditing) {
   Pump(0.02);
   NSText *editor = [window fieldEditor:NO forObject:field];
   ASSERT_NE(editor, nil);
-  NSView *editorView = [editor superview] != field && [editor superview] != nil ? [editor superview] : editor;
+  NSView *editorView =
+      [editor superview] != field && [editor superview] != nil ? [editor superview] : editor;
   NSRect editorFrame = [field convertRect:[editorView frame] fromView:[editorView superview]];
-  EXPECT_NEAR(NSMidY(editorFrame), NSMidY(centred), 2.0) << [NSStringFromRect(editorFrame) UTF8String];
+  EXPECT_NEAR(NSMidY(editorFrame), NSMidY(centred), 2.0)
+      << [NSStringFromRect(editorFrame) UTF8String];
   EXPECT_LE(editorFrame.size.height, textHeight + 2.0);
   [window makeFirstResponder:nil];
 
@@ -87,7 +91,8 @@ TEST_F(SmallViewsTest, CentredTextRectShrinksToTheTextUnlessEditing) {
 
 TEST_F(SmallViewsTest, MaskImageViewPaintsTheShapeInItsColourAndNothingWithoutEither) {
   NSWindow *window = Window(NSMakeRect(100, 100, 40, 40));
-  VXMaskImageView *view = [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)] autorelease];
+  VXMaskImageView *view =
+      [[[VXMaskImageView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)] autorelease];
   EXPECT_NSEQ([view fillColor], [NSColor blackColor]);
   EXPECT_TRUE([view allowsVibrancy]);
   [[window contentView] addSubview:view];
@@ -127,7 +132,10 @@ TEST_F(SmallViewsTest, MaskImageViewRedrawsOnlyForADifferentObject) {
 TEST_F(SmallViewsTest, TransparentScrollerDrawsNothingButItsLightKnob) {
   EXPECT_TRUE([VXTransparentScroller isCompatibleWithOverlayScrollers]);
   EXPECT_EQ([VXTransparentScroller preferredScrollerStyle], 1);
-  NSWindow *window = Window(NSMakeRect(100, 100, 40, 200), [NSColor colorWithDeviceRed:0 green:1 blue:0 alpha:1]);
+  NSWindow *window = Window(NSMakeRect(100, 100, 40, 200), [NSColor colorWithDeviceRed:0
+                                                                                 green:1
+                                                                                  blue:0
+                                                                                 alpha:1]);
   VXTransparentScroller *scroller =
       [[[VXTransparentScroller alloc] initWithFrame:NSMakeRect(0, 0, 18, 200)] autorelease];
   EXPECT_EQ([scroller knobStyle], 2);
