@@ -12,7 +12,8 @@ extern "C" {
 /** Makes `replacement` the implementation of `selector` on `cls` and returns
  * the implementation it replaces, to be called from the replacement. An
  * inherited method is first added to `cls` itself, so the hook never changes
- * the superclass. Returns NULL when `cls` has no such method at all. */
+ * the superclass. The class is initialised first (see TVRuntime.m).
+ * Returns NULL when `cls` has no such method at all. */
 __attribute__((visibility("hidden"))) IMP TVReplaceInstanceMethod(Class cls, SEL selector,
                                                                   IMP replacement);
 

@@ -88,7 +88,14 @@ TEST_F(Appearance, BestMatchIsTheExactNameOrThePlainOneAVibrantOneVaries) {
               NSAppearanceNameAqua);
 }
 
-TEST_F(Appearance, HighContrastNamesHaveAppKitsValues) {
+TEST_F(Appearance, ArchivesKeepTheName) {
+  NSAppearance *dark = [NSAppearance appearanceNamed:NSAppearanceNameVibrantDark];
+  NSData *keyed = [NSKeyedArchiver archivedDataWithRootObject:dark];
+  NSAppearance *back = [NSKeyedUnarchiver unarchiveObjectWithData:keyed];
+  EXPECT_NSEQ([back name], NSAppearanceNameVibrantDark);
+  EXPECT_TRUE([back allowsVibrancy]);
+  NSData *old = [NSArchiver archivedDataWithRootObject:dark];
+  EXPECT_NSEQ([[NSUnarchiver unarchiveObjectWithData:old] name], NSAppearanceNameVibrantDark);
   EXPECT_NSEQ(NSAppearanceNameAccessibilityHighContrastDarkAqua, @"NSAppearanceNameAccessibilityDarkAqua");
 }
 

@@ -245,7 +245,7 @@ void (*oDisplayRect)(id, SEL, NSRect, NSGraphicsContext *);
 NSView *(*oOpaqueAncestor)(id, SEL);
 void (*oSetAlphaValue)(id, SEL, CGFloat);
 
-void HDisplayRect(NSView *self, SEL s, NSRect rect, NSGraphicsContext *context) {
+void HDisplayRect(id self, SEL s, NSRect rect, NSGraphicsContext *context) {
   CALayer *model = ShownLayer(self);
   NSWindow *window = [self window];
   if (!model || !window) {

@@ -1,5 +1,6 @@
 // Named appearances and their inheritance. GNUstep 0.29's NSAppearance
-// hands out its appearances +1, never allows vibrancy, matches nothing, and nothing asks views or windows for one. Here the
+// hands out its appearances +1, never allows vibrancy, matches and
+// archives nothing, and nothing asks views or windows for one. Here the
 // appearances are autoreleased and know their kind, and views, windows and
 // the application carry an appearance that their descendants inherit.
 // While a view draws, the current appearance is the view's effective one.
@@ -134,7 +135,7 @@ NSAppearance *ViewEffectiveAppearance(NSView *view) {
 
 // Each view draws under its own effective appearance; the one before comes
 // back afterwards (views draw nested).
-void TVDisplayRect(NSView *view, SEL selector, NSRect rect, NSGraphicsContext *context) {
+void TVDisplayRect(id view, SEL selector, NSRect rect, NSGraphicsContext *context) {
   NSAppearance *outer = drawingAppearance;
   drawingAppearance = [ViewEffectiveAppearance(view) retain];
   @try {

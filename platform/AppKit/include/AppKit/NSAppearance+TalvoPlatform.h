@@ -13,11 +13,10 @@
  * superview's, else the window's, else the application's, else Aqua.
  * bestMatchFromAppearancesWithNames: answers the receiver's own name if
  * listed, else for a vibrant appearance the plain one it varies, else nil.
- * The high-contrast name constants have AppKit's values.
+ * Appearances archive their name (keyed and old-style), and the
+ * high-contrast name constants have AppKit's values.
  *
- * Not covered: archiving (adding -initWithCoder: to NSAppearance on the GCC
- * runtime sent distributed-objects proxies, decoded while a window talks to
- * the pasteboard server, into it), appearances loaded from bundles, high-contrast appearances
+ * Not covered: appearances loaded from bundles, high-contrast appearances
  * themselves, named colours that change with the appearance (NSColor is
  * GNUstep's), key-value observing of effectiveAppearance.
  */
