@@ -1,6 +1,9 @@
 // CFArray and CFDictionary on NSArray and NSDictionary.
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <cstdlib>
+#include <cstring>
+
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, NULL, NULL, NULL, NULL};
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0, NULL, NULL, NULL, NULL, NULL};
 const CFDictionaryKeyCallBacks kCFCopyStringDictionaryKeyCallBacks = {0, NULL, NULL, NULL, NULL, NULL};
@@ -40,8 +43,44 @@ bool InRange(NSUInteger count, CFRange range) {
 
 // --- CFArray ---------------------------------------------------------------
 
-CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, const CFArrayCallBacks *) {
+// An array made with NULL callbacks holds plain pointers (window numbers
+// passed to the window list, for instance): never retained, never messaged
+// by the array itself.
+@interface TVCFPointerArray : NSArray {
+  const void **_values;
+  NSUInteger _count;
+}
+- (instancetype)initWithPointers:(const void **)values count:(NSUInteger)count;
+@end
+
+@implementation TVCFPointerArray
+- (instancetype)initWithPointers:(const void **)values count:(NSUInteger)count {
+  if ((self = [super init])) {
+    _values = (const void **)calloc(count > 0 ? count : 1, sizeof(void *));
+    if (!_values) {
+      [self release];
+      return nil;
+    }
+    if (count > 0) memcpy(_values, values, count * sizeof(void *));
+    _count = count;
+  }
+  return self;
+}
+- (void)dealloc {
+  free(_values);
+  [super dealloc];
+}
+- (NSUInteger)count {
+  return _count;
+}
+- (id)objectAtIndex:(NSUInteger)index {
+  return index < _count ? (id)_values[index] : nil;
+}
+@end
+
+CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, const CFArrayCallBacks *callBacks) {
   if (count < 0 || (count > 0 && !values)) return NULL;
+  if (callBacks == NULL) return (CFArrayRef)[[TVCFPointerArray alloc] initWithPointers:values count:(NSUInteger)count];
   for (CFIndex i = 0; i < count; i++)
     if (!values[i]) return NULL;
   return (CFArrayRef)[[NSArray alloc] initWithObjects:(id *)values count:(NSUInteger)count];

@@ -57,6 +57,14 @@ TEST(CoreFoundationTest, MutableCollectionsAndWrongTypesAnswerEmpty) {
   EXPECT_EQ(CFGetTypeID(array), CFArrayGetTypeID());
   CFRelease(array);
 
+  // NULL callbacks: plain values, as window numbers are passed.
+  const void *numbers[] = {(const void *)(uintptr_t)7, (const void *)(uintptr_t)12};
+  CFArrayRef plain = CFArrayCreate(NULL, numbers, 2, NULL);
+  ASSERT_EQ(CFArrayGetCount(plain), 2);
+  EXPECT_EQ((uintptr_t)CFArrayGetValueAtIndex(plain, 1), 12u);
+  EXPECT_EQ(CFArrayGetValueAtIndex(plain, 2), nullptr);
+  CFRelease(plain);
+
   CFMutableDictionaryRef dictionary = CFDictionaryCreateMutable(NULL, 0, NULL, NULL);
   CFDictionaryAddValue(dictionary, CFSTR("k"), CFSTR("first"));
   CFDictionaryAddValue(dictionary, CFSTR("k"), CFSTR("second"));  // add keeps the first

@@ -7,8 +7,9 @@
 typedef const struct __CFArray *CFArrayRef;    // NSArray *
 typedef struct __CFArray *CFMutableArrayRef;   // NSMutableArray *
 
-// Only the object callbacks exist: values are retained objects, whatever
-// callbacks are passed.
+// With any callbacks, values are objects and are retained. CFArrayCreate
+// with NULL callbacks keeps plain pointers instead (not retained, not
+// messaged by the array); the mutable arrays always hold objects.
 typedef struct {
   CFIndex version;
   const void *retain;
