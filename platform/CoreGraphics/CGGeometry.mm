@@ -226,15 +226,3 @@ CGRect CGRectApplyAffineTransform(CGRect r, CGAffineTransform t) {
   }
   return CGRectMake(x0, y0, x1 - x0, y1 - y0);
 }
-
-// --- Toll-free retain and release ------------------------------------------
-
-// Weak: another stand-in (Image I/O, Quartz Core) may define them as well.
-__attribute__((weak)) CFTypeRef CFRetain(CFTypeRef object) {
-  if (object) [(id)object retain];
-  return object;
-}
-
-__attribute__((weak)) void CFRelease(CFTypeRef object) {
-  if (object) [(id)object release];
-}

@@ -159,8 +159,39 @@ class Weight {
   }
 
   void addScaled(const Weight& other, double factor) {
-    const Part* parts = other.data();
-    for (std::uint32_t i = 0; i < other.size_; ++i) add(parts[i].first, parts[i].second * factor);
+    if (other.size_ == 1) {
+      add(other.inline_[0].first, other.inline_[0].second * factor);
+      return;
+    }
+    if (other.size_ == 0) return;
+    // Both lists run highest level first: one merge, where a scan per part
+    // grew with the square of the levels (hundreds of distinct priorities in
+    // a conflict storm).
+    std::vector<Part> merged;
+    merged.reserve(size_ + other.size_);
+    const Part *i = data(), *iEnd = i + size_;
+    const Part *j = other.data(), *jEnd = j + other.size_;
+    while (i != iEnd || j != jEnd) {
+      Part part;
+      if (j == jEnd || (i != iEnd && i->first > j->first)) {
+        part = *i++;
+      } else if (i == iEnd || j->first > i->first) {
+        part = {j->first, j->second * factor};
+        ++j;
+      } else {
+        part = {i->first, i->second + j->second * factor};
+        ++i;
+        ++j;
+      }
+      if (!NearZero(part.second)) merged.push_back(part);
+    }
+    size_ = static_cast<std::uint32_t>(merged.size());
+    if (size_ > kInline) {
+      spill_ = std::move(merged);
+    } else {
+      std::copy(merged.begin(), merged.end(), inline_);
+      spill_.clear();
+    }
   }
 
   void clear() {

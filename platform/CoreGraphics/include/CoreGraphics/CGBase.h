@@ -5,16 +5,15 @@
  * geometry types are GNUstep's own NSPoint/NSSize/NSRect and CGFloat is
  * Foundation's.
  *
- * There is no Core Foundation on GNUstep. CFTypeRef, CFDataRef and
- * CFStringRef are declared here as opaque pointers that are toll-free with
- * Foundation: a CFDataRef is an NSData *, a CFStringRef an NSString *, and
- * they are retained and released as such (CFRetain/CFRelease are
- * -retain/-release).
+ * Core Foundation types come from Talvo's Core Foundation stand-in, which is
+ * toll-free with Foundation: a CFDataRef is an NSData *, a CFStringRef an
+ * NSString *, and CFRetain/CFRelease are -retain/-release.
  */
 #ifndef TALVO_CGBASE_H
 #define TALVO_CGBASE_H
 
 #import <Foundation/Foundation.h>
+#include <CoreFoundation/CoreFoundation.h>
 
 #include <stdbool.h>
 #include <stddef.h>
@@ -25,15 +24,5 @@
 #else
 #define CG_EXTERN extern __attribute__((visibility("default")))
 #endif
-
-typedef const void *CFTypeRef;
-typedef const struct __CFData *CFDataRef;        // NSData *
-typedef const struct __CFString *CFStringRef;    // NSString *
-typedef const struct __CFArray *CFArrayRef;      // NSArray *
-typedef long CFIndex;
-
-// Retain and release for the toll-free CF types above (NULL is ignored).
-CG_EXTERN CFTypeRef CFRetain(CFTypeRef object);
-CG_EXTERN void CFRelease(CFTypeRef object);
 
 #endif
