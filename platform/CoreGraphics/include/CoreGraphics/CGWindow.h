@@ -3,9 +3,10 @@
  * the window list and pictures of windows, for this process's own windows.
  *
  * A CGWindowID is the window's windowNumber. Window arrays passed in may
- * hold NSNumbers (toll-free CFNumbers) or raw CGWindowID values stored as
- * pointers (arrays made with NULL callbacks); arrays given back hold
- * NSNumbers. Descriptions are NSDictionaries with these keys:
+ * hold CFNumbers (NSNumbers) or raw CGWindowID values stored as pointers
+ * (an NSArray subclass that does not retain them; this platform's
+ * CFArrayCreate retains its values, so raw ids must not go through it);
+ * arrays given back hold CFNumbers. Descriptions are NSDictionaries with these keys:
  * kCGWindowNumber, kCGWindowBounds (a rect dictionary, in window-server
  * coordinates: origin at the top-left of the main screen, y down, in the
  * units of -[NSWindow frame]), kCGWindowLayer (the window level),
@@ -42,9 +43,6 @@
 #include <CoreGraphics/CGBase.h>
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGImage.h>
-
-// NSDictionary * (the same declaration as Core Foundation's).
-typedef const struct __CFDictionary *CFDictionaryRef;
 
 typedef uint32_t CGWindowID;
 #define kCGNullWindowID ((CGWindowID)0)
