@@ -18,12 +18,12 @@ static std::unordered_set<NSImage *> templateImages;
 static void (*originalImageDealloc)(id, SEL) = NULL;
 static id (*originalImageCopy)(id, SEL, NSZone *) = NULL;
 
-static void TVImageDealloc(NSImage *image, SEL selector) {
+static void TVImageDealloc(id image, SEL selector) {
   templateImages.erase(image);
   originalImageDealloc(image, selector);
 }
 
-static id TVImageCopy(NSImage *image, SEL selector, NSZone *zone) {
+static id TVImageCopy(id image, SEL selector, NSZone *zone) {
   id copy = originalImageCopy(image, selector, zone);
   if (copy != nil && templateImages.count(image) != 0) {
     templateImages.insert(copy);

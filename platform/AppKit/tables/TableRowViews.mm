@@ -136,7 +136,8 @@ static void (*originalReloadData)(id, SEL) = NULL;
 static void (*originalSetDelegate)(id, SEL, id) = NULL;
 static void (*originalTableDealloc)(id, SEL) = NULL;
 
-static void TVHighlightSelection(NSTableView *table, SEL selector, NSRect clip) {
+static void TVHighlightSelection(id receiver, SEL selector, NSRect clip) {
+  NSTableView *table = receiver;
   if (!TVTableWantsRowViews(table)) {
     originalHighlightSelection(table, selector, clip);
     return;
@@ -168,12 +169,12 @@ static void TVHighlightSelection(NSTableView *table, SEL selector, NSRect clip) 
   }
 }
 
-static void TVReloadData(NSTableView *table, SEL selector) {
+static void TVReloadData(id table, SEL selector) {
   TVDropAllRowViews(table, YES);
   originalReloadData(table, selector);
 }
 
-static void TVSetDelegate(NSTableView *table, SEL selector, id delegate) {
+static void TVSetDelegate(id table, SEL selector, id delegate) {
   // The old delegate is not told: it is often on its way out (a delegate
   // clears itself in its dealloc).
   if (delegate != [table delegate]) {
@@ -182,7 +183,8 @@ static void TVSetDelegate(NSTableView *table, SEL selector, id delegate) {
   originalSetDelegate(table, selector, delegate);
 }
 
-static void TVTableDealloc(NSTableView *table, SEL selector) {
+static void TVTableDealloc(id receiver, SEL selector) {
+  NSTableView *table = receiver;
   auto found = rowViewsByTable.find(table);
   if (found != rowViewsByTable.end()) {
     NSMutableDictionary *rows = found->second;

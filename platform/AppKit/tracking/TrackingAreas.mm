@@ -267,7 +267,7 @@ static void TVScheduleWindowCheck(NSWindow *window) {
 
 #pragma mark - Hooks
 
-static void (*originalWindowSendEvent)(id, SEL, NSEvent *) = NULL;
+static void (*originalWindowSendEvent)(id, SEL, id) = NULL;
 static void (*originalWindowDealloc)(id, SEL) = NULL;
 static void (*originalViewDealloc)(id, SEL) = NULL;
 static void (*originalViewDidMoveToWindow)(id, SEL) = NULL;
@@ -278,9 +278,11 @@ static void (*originalSetBounds)(id, SEL, NSRect) = NULL;
 static void (*originalSetBoundsOrigin)(id, SEL, NSPoint) = NULL;
 static void (*originalSetBoundsSize)(id, SEL, NSSize) = NULL;
 static void (*originalSetHidden)(id, SEL, BOOL) = NULL;
-static id (*originalAreaInit)(id, SEL, NSRect, NSTrackingAreaOptions, id, NSDictionary *) = NULL;
+static id (*originalAreaInit)(id, SEL, NSRect, NSTrackingAreaOptions, id, id) = NULL;
 
-static void TVWindowSendEvent(NSWindow *window, SEL selector, NSEvent *event) {
+static void TVWindowSendEvent(id receiver, SEL selector, id argument) {
+  NSWindow *window = receiver;
+  NSEvent *event = argument;
   NSEventType type = [event type];
   if (type == NSMouseMoved || type == NSLeftMouseDragged || type == NSRightMouseDragged ||
       type == NSOtherMouseDragged) {
@@ -295,7 +297,8 @@ static void TVWindowSendEvent(NSWindow *window, SEL selector, NSEvent *event) {
   originalWindowSendEvent(window, selector, event);
 }
 
-static void TVWindowDealloc(NSWindow *window, SEL selector) {
+static void TVWindowDealloc(id receiver, SEL selector) {
+  NSWindow *window = receiver;
   trackedWindows.erase(window);
   for (auto &entry : trackedViews) {
     if (entry.second.window == window) {
@@ -305,7 +308,8 @@ static void TVWindowDealloc(NSWindow *window, SEL selector) {
   originalWindowDealloc(window, selector);
 }
 
-static void TVViewDealloc(NSView *view, SEL selector) {
+static void TVViewDealloc(id receiver, SEL selector) {
+  NSView *view = receiver;
   auto found = trackedViews.find(view);
   if (found != trackedViews.end()) {
     std::vector<TVAreaState> areas;
@@ -327,7 +331,8 @@ static void TVMarkGeometry(NSView *view) {
   }
 }
 
-static void TVViewDidMoveToWindow(NSView *view, SEL selector) {
+static void TVViewDidMoveToWindow(id receiver, SEL selector) {
+  NSView *view = receiver;
   originalViewDidMoveToWindow(view, selector);
   NSWindow *window = [view window];
   auto found = trackedViews.find(view);
@@ -342,38 +347,38 @@ static void TVViewDidMoveToWindow(NSView *view, SEL selector) {
   TVMarkGeometry(view);
 }
 
-static void TVSetFrame(NSView *view, SEL selector, NSRect frame) {
+static void TVSetFrame(id view, SEL selector, NSRect frame) {
   originalSetFrame(view, selector, frame);
   TVMarkGeometry(view);
 }
-static void TVSetFrameOrigin(NSView *view, SEL selector, NSPoint origin) {
+static void TVSetFrameOrigin(id view, SEL selector, NSPoint origin) {
   originalSetFrameOrigin(view, selector, origin);
   TVMarkGeometry(view);
 }
-static void TVSetFrameSize(NSView *view, SEL selector, NSSize size) {
+static void TVSetFrameSize(id view, SEL selector, NSSize size) {
   originalSetFrameSize(view, selector, size);
   TVMarkGeometry(view);
 }
-static void TVSetBounds(NSView *view, SEL selector, NSRect bounds) {
+static void TVSetBounds(id view, SEL selector, NSRect bounds) {
   originalSetBounds(view, selector, bounds);
   TVMarkGeometry(view);
 }
-static void TVSetBoundsOrigin(NSView *view, SEL selector, NSPoint origin) {
+static void TVSetBoundsOrigin(id view, SEL selector, NSPoint origin) {
   originalSetBoundsOrigin(view, selector, origin);
   TVMarkGeometry(view);
 }
-static void TVSetBoundsSize(NSView *view, SEL selector, NSSize size) {
+static void TVSetBoundsSize(id view, SEL selector, NSSize size) {
   originalSetBoundsSize(view, selector, size);
   TVMarkGeometry(view);
 }
-static void TVSetHidden(NSView *view, SEL selector, BOOL hidden) {
+static void TVSetHidden(id view, SEL selector, BOOL hidden) {
   originalSetHidden(view, selector, hidden);
   TVMarkGeometry(view);
 }
 
 // GNUstep's initialiser retains the old (nil) userInfo instead of the new.
-static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTrackingAreaOptions options,
-                     id owner, NSDictionary *userInfo) {
+static id TVAreaInit(id area, SEL selector, NSRect rect, NSTrackingAreaOptions options, id owner,
+                     id userInfo) {
   area = originalAreaInit(area, selector, rect, options, owner, userInfo);
   if (area != nil) {
     static Ivar slot = class_getInstanceVariable([NSTrackingArea class], "_userInfo");
@@ -398,7 +403,7 @@ static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTracking
   Class view = [NSView class];
   Class window = [NSWindow class];
   Class area = [NSTrackingArea class];
-  originalWindowSendEvent = (void (*)(id, SEL, NSEvent *))TVReplaceInstanceMethod(
+  originalWindowSendEvent = (void (*)(id, SEL, id))TVReplaceInstanceMethod(
       window, @selector(sendEvent:), (IMP)TVWindowSendEvent);
   originalWindowDealloc = (void (*)(id, SEL))TVReplaceInstanceMethod(
       window, @selector(dealloc), (IMP)TVWindowDealloc);
@@ -420,7 +425,7 @@ static id TVAreaInit(NSTrackingArea *area, SEL selector, NSRect rect, NSTracking
       view, @selector(setBoundsSize:), (IMP)TVSetBoundsSize);
   originalSetHidden = (void (*)(id, SEL, BOOL))TVReplaceInstanceMethod(
       view, @selector(setHidden:), (IMP)TVSetHidden);
-  originalAreaInit = (id(*)(id, SEL, NSRect, NSTrackingAreaOptions, id, NSDictionary *))
+  originalAreaInit = (id(*)(id, SEL, NSRect, NSTrackingAreaOptions, id, id))
       TVReplaceInstanceMethod(area, @selector(initWithRect:options:owner:userInfo:),
                               (IMP)TVAreaInit);
   [pool drain];
