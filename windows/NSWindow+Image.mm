@@ -45,7 +45,9 @@ static talvo::windows::EdgeInsets TVCoreInsets(NSEdgeInsets insets) {
     bounds = described;
   }
   if (captureShadow) {
-    bounds = [self shadowedFrame:bounds flipped:NO];
+    // The insets are points; where frames are device pixels they grow with
+    // the scale (the reference frame is the same rect in points).
+    bounds = [self shadowedFrame:bounds fromScaledFrame:TVRectInPoints(self, bounds) flipped:NO];
   }
   CGImageRef picture = TVWindowServerCreateImage(number, bounds, captureShadow);
   if (picture == NULL) {

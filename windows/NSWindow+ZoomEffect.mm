@@ -104,8 +104,9 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
   [window makeKeyAndOrderFront:nil];
   [window orderOut:nil];
 
-  NSRect startRect = [window _transposedRectInScreen:rect];
-  NSRect frameInScreen = [window _transposedRectInScreen:[window frame]];
+  // The picture's rects are in the animation window's view space: points.
+  NSRect startRect = TVRectInPoints(window, [window _transposedRectInScreen:rect]);
+  NSRect frameInScreen = TVRectInPoints(window, [window _transposedRectInScreen:[window frame]]);
   NSRect end = [window shadowedFrame:frameInScreen flipped:YES];
   NSRect start = [window shadowedFrame:startRect fromScaledFrame:frameInScreen flipped:YES];
 
@@ -141,7 +142,8 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
           // which fades in underneath it.
           [imageView setAlphaValue:1.0];
           [animationWindow setImage:TVEffectPicture(window, NO)];
-          [imageView setFrame:[window _transposedRectInScreen:[window frame]]];
+          [imageView setFrame:TVRectInPoints(window,
+                                             [window _transposedRectInScreen:[window frame]])];
           [window setAlphaValue:0.5];
           if (makeKey) {
             [window makeKeyAndOrderFront:nil];
@@ -185,8 +187,8 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
       [other orderOut:nil];
     }
   }
-  NSRect targetRect = [window _transposedRectInScreen:rect];
-  NSRect frameInScreen = [window _transposedRectInScreen:[window frame]];
+  NSRect targetRect = TVRectInPoints(window, [window _transposedRectInScreen:rect]);
+  NSRect frameInScreen = TVRectInPoints(window, [window _transposedRectInScreen:[window frame]]);
 
   dispatch_async(dispatch_get_main_queue(), ^{
     _VXAnimationWindow *animationWindow =

@@ -22,8 +22,7 @@
 
 @end
 
-// The image view: shows its layer's contents (an NSImage), scaled to its bounds, at its
-// alpha. It draws them itself, as layers are not composited on every
-// platform build.
+// The image view: a layer-backed view whose layer shows the picture; the
+// platform composites it at the view's alpha.
 @interface _VXAnimationImageView : NSView
 @end

@@ -91,21 +91,4 @@
 @end
 
 @implementation _VXAnimationImageView
-
-- (void)drawRect:(NSRect)dirtyRect {
-  id contents = [[self layer] contents];
-  CGFloat alpha = [self alphaValue];
-  if (contents == nil || !(alpha > 0.0)) {
-    return;
-  }
-  if (![contents isKindOfClass:[NSImage class]]) {
-    return;
-  }
-  NSImage *image = contents;
-  [image drawInRect:[self bounds]
-           fromRect:NSZeroRect
-          operation:NSCompositeSourceOver
-           fraction:alpha];
-}
-
 @end
