@@ -46,6 +46,9 @@ class PopoverSegmentedControlTest : public ControlsTest {
                                                         constant:50]];
       [control_ setAccessoryView:view forSegment:i];
     }
+    // The window server's answers to the new window (moves, resizes) arrive
+    // now, not while a popup is up.
+    Pump(0.3);
   }
   void TearDown() override {
     if (control_ != nil) [control_ dismissPopoverView];
