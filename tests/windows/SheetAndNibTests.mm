@@ -157,6 +157,17 @@ TEST_F(ProgressSheet, BeginShowsTheTitleAndSpins) {
           [[sheet indicator] stopAnimation:nil];
           [NSApp endSheet:sheet];
           [sheet orderOut:nil];
+          // The modal loop notices its end only at its next event.
+          [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                              location:NSZeroPoint
+                                         modifierFlags:0
+                                             timestamp:0
+                                          windowNumber:0
+                                               context:nil
+                                               subtype:0
+                                                 data1:0
+                                                 data2:0]
+                   atStart:NO];
         }
       after:0.2];
   [panel.get() beginSheetModalForWindow:window];
