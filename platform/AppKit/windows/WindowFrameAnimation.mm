@@ -44,7 +44,15 @@ NSRect MixRect(NSRect from, NSRect to, double t) {
 // lies ahead (the rest of the frame).
 void PumpEventsUntil(NSDate *deadline) {
   NSEvent *event;
-  while ((event = [NSApp nextEventMatchingMask:NSAnyEventMask
+  // As a blocking animation does on macOS, user input waits in the queue
+  // until the animation ends: a click handled in the middle of it would
+  // start a nested tracking loop whose mouse-up the next frame takes.
+  const NSUInteger input = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRightMouseDownMask |
+                           NSRightMouseUpMask | NSOtherMouseDownMask | NSOtherMouseUpMask |
+                           NSMouseMovedMask | NSLeftMouseDraggedMask | NSRightMouseDraggedMask |
+                           NSOtherMouseDraggedMask | NSKeyDownMask | NSKeyUpMask |
+                           NSFlagsChangedMask | NSScrollWheelMask;
+  while ((event = [NSApp nextEventMatchingMask:NSAnyEventMask & ~input
                                      untilDate:deadline
                                         inMode:NSEventTrackingRunLoopMode
                                        dequeue:YES]) != nil) {
