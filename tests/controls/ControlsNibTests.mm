@@ -30,9 +30,10 @@ class ControlsNibTest : public ControlsTest {
       if ([object isKindOfClass:[NSWindow class]]) window_ = object;
     }
     ASSERT_NE(window_, nil);
-    // Top-level objects come back with one extra reference: the test owns it.
+    // Top-level objects come back with one extra reference each: the test
+    // owns them all (the window through its window list).
     [windows_.get() addObject:window_];
-    [window_ release];
+    for (id object in objects) [object release];
   }
   template <typename T>
   T *Find(Class cls) {
