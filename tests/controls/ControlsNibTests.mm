@@ -30,10 +30,9 @@ class ControlsNibTest : public ControlsTest {
       if ([object isKindOfClass:[NSWindow class]]) window_ = object;
     }
     ASSERT_NE(window_, nil);
-    // Top-level objects come back with one extra reference each: the test
-    // owns them all (the window through its window list).
+    // The window comes back with one extra reference: the test owns it.
     [windows_.get() addObject:window_];
-    for (id object in objects) [object release];
+    [window_ release];
   }
   template <typename T>
   T *Find(Class cls) {
