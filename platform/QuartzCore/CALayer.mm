@@ -21,6 +21,9 @@ NSString *const kCAGravityTopRight = @"topRight";
 NSString *const kCAGravityBottomLeft = @"bottomLeft";
 NSString *const kCAGravityBottomRight = @"bottomRight";
 NSString *const kCAGravityResize = @"resize";
+NSString *const kCAFilterNearest = @"nearest";
+NSString *const kCAFilterLinear = @"linear";
+NSString *const kCAFilterTrilinear = @"trilinear";
 NSString *const kCAGravityResizeAspect = @"resizeAspect";
 NSString *const kCAGravityResizeAspectFill = @"resizeAspectFill";
 
@@ -142,6 +145,7 @@ int ValueComponents(id value, double out[4]) {
 }  // namespace
 
 @interface CALayer () <_TVAnimationHost>
+- (void)_tv_setFilter:(NSString **)slot to:(NSString *)filter;
 @end
 
 @implementation CALayer
@@ -161,6 +165,8 @@ int ValueComponents(id value, double out[4]) {
 @synthesize masksToBounds = _masksToBounds;
 @synthesize affineTransform = _affineTransform;
 @dynamic contentsGravity;
+@dynamic minificationFilter;
+@dynamic magnificationFilter;
 @dynamic backgroundColor;
 @dynamic frame;
 @dynamic sublayers;
@@ -180,6 +186,8 @@ int ValueComponents(id value, double out[4]) {
     _animationTracks = [NSMutableDictionary new];
     _animationKeys = [NSMutableArray new];
     _contentsGravity = [kCAGravityResize copy];
+    _minificationFilter = [kCAFilterLinear copy];
+    _magnificationFilter = [kCAFilterLinear copy];
     _affineTransform = CGAffineTransformIdentity;
   }
   return self;
@@ -205,6 +213,10 @@ int ValueComponents(id value, double out[4]) {
     _contentsImage = CGImageRetain(other->_contentsImage);
     [_contentsGravity release];
     _contentsGravity = [other->_contentsGravity copy];
+    [_minificationFilter release];
+    _minificationFilter = [other->_minificationFilter copy];
+    [_magnificationFilter release];
+    _magnificationFilter = [other->_magnificationFilter copy];
     _masksToBounds = other->_masksToBounds;
     _affineTransform = other->_affineTransform;
   }
@@ -223,6 +235,8 @@ int ValueComponents(id value, double out[4]) {
   }
   CGImageRelease(_contentsImage);
   [_contentsGravity release];
+  [_minificationFilter release];
+  [_magnificationFilter release];
   CGColorRelease(_backgroundColor);
   [_modelLayer release];
   [_undeclaredValues release];
@@ -309,6 +323,36 @@ int ValueComponents(id value, double out[4]) {
   }
   NSString *old = _contentsGravity;
   _contentsGravity = [gravity copy];
+  [old release];
+  if (_modelLayer == nil) {
+    TVLayerChanged(self);
+  }
+}
+
+// Unknown values are kept as given (Core Animation keeps them) and sample
+// like kCAFilterLinear.
+- (NSString *)minificationFilter {
+  return _minificationFilter;
+}
+
+- (void)setMinificationFilter:(NSString *)filter {
+  [self _tv_setFilter:&_minificationFilter to:filter];
+}
+
+- (NSString *)magnificationFilter {
+  return _magnificationFilter;
+}
+
+- (void)setMagnificationFilter:(NSString *)filter {
+  [self _tv_setFilter:&_magnificationFilter to:filter];
+}
+
+- (void)_tv_setFilter:(NSString **)slot to:(NSString *)filter {
+  if (![filter isKindOfClass:[NSString class]]) {
+    filter = kCAFilterLinear;
+  }
+  NSString *old = *slot;
+  *slot = [filter copy];
   [old release];
   if (_modelLayer == nil) {
     TVLayerChanged(self);

@@ -72,6 +72,15 @@ CGRect GravityRect(NSString *gravity, CGRect bounds, CGSize size) {
   return CGRectMake(x, y, w, h);
 }
 
+// How a layer filter samples, in Quartz's terms. Linear is bilinear
+// (Quartz's low quality); trilinear has no mipmaps here and takes the
+// engine's default, slower filter.
+CGInterpolationQuality InterpolationFor(NSString *filter) {
+  if ([filter isEqualToString:kCAFilterNearest]) return kCGInterpolationNone;
+  if ([filter isEqualToString:kCAFilterTrilinear]) return kCGInterpolationDefault;
+  return kCGInterpolationLow;
+}
+
 // Whether user space runs y down on the device (a flipped view or layer).
 bool SpaceIsFlipped(CGContextRef c) {
   CGAffineTransform m = CGContextGetCTM(c);
@@ -300,6 +309,12 @@ bool SpaceIsFlipped(CGContextRef c) {
     CGSize scaled = CGSizeMake(size.width * (_bounds.size.width > 0 ? rect.size.width / _bounds.size.width : 1),
                                size.height * (_bounds.size.height > 0 ? rect.size.height / _bounds.size.height : 1));
     CGRect placed = GravityRect(_contentsGravity, rect, scaled);
+    // Smaller or larger than its pixels on the device decides the filter.
+    CGRect device = CGRectApplyAffineTransform(placed, CGContextGetCTM(c));
+    BOOL smaller = device.size.width * device.size.height <
+                   CGFloat(CGImageGetWidth(image)) * CGFloat(CGImageGetHeight(image));
+    CGContextSetInterpolationQuality(
+        c, InterpolationFor(smaller ? _minificationFilter : _magnificationFilter));
     CGContextDrawImage(c, placed, image);
     CGContextRestoreGState(c);
   }

@@ -148,6 +148,56 @@ TEST_F(LayerRender, ContentsScaleAndNSImageContents) {
   EXPECT_TRUE(PixelNear(At(1, 14), kRed, 1));
 }
 
+// Which of the two filters samples depends on whether the contents are
+// drawn smaller or larger than their pixels; linear blends neighbours,
+// nearest never does.
+TEST_F(LayerRender, FiltersSampleByMinificationOrMagnification) {
+  CALayer *layer = Layer(CGRectMake(0, 0, 80, 80));
+  EXPECT_NSEQ([layer minificationFilter], kCAFilterLinear);
+  EXPECT_NSEQ([layer magnificationFilter], kCAFilterLinear);
+  [layer setContents:(id)quadrants_];
+  // Magnified ten times: the blue/yellow edge in the top row sits between
+  // device pixels 39 and 40.
+  Render(layer, 80, 80);
+  Pixel edge = At(39, 79);
+  EXPECT_GT(edge.r, 10) << edge;  // blended towards yellow
+  EXPECT_GT(edge.b, 10) << edge;  // and still partly blue
+  [layer setMagnificationFilter:kCAFilterNearest];
+  [layer setMinificationFilter:kCAFilterLinear];
+  Render(layer, 80, 80);
+  EXPECT_TRUE(PixelNear(At(39, 79), kBlue, 0)) << At(39, 79);
+  EXPECT_TRUE(PixelNear(At(40, 79), kYellow, 0)) << At(40, 79);
+  Render([layer presentationLayer], 80, 80);  // copies keep the filter
+  EXPECT_TRUE(PixelNear(At(39, 79), kBlue, 0)) << At(39, 79);
+
+  // One-pixel stripes drawn at three quarters: linear gives greys, nearest
+  // only the two stripe colours; the magnification filter plays no part.
+  CGContextRef stripes = NewRGBAContext(4, 4);
+  CGContextSetRGBFillColor(stripes, 1, 1, 1, 1);
+  CGContextFillRect(stripes, CGRectMake(0, 0, 4, 4));
+  CGContextSetRGBFillColor(stripes, 0, 0, 0, 1);
+  CGContextFillRect(stripes, CGRectMake(1, 0, 1, 4));
+  CGContextFillRect(stripes, CGRectMake(3, 0, 1, 4));
+  CGImageRef striped = CGBitmapContextCreateImage(stripes);
+  CGContextRelease(stripes);
+  CALayer *small = Layer(CGRectMake(0, 0, 3, 3));
+  [small setContents:(id)striped];
+  CGImageRelease(striped);
+  [small setMagnificationFilter:kCAFilterNearest];
+  Render(small, 3, 3);
+  int greys = 0;
+  for (int x = 0; x < 3; ++x) greys += At(x, 1).r > 20 && At(x, 1).r < 235;
+  EXPECT_GT(greys, 0);
+  [small setMinificationFilter:kCAFilterNearest];
+  Render(small, 3, 3);
+  for (int x = 0; x < 3; ++x) {
+    EXPECT_TRUE(At(x, 1).r == 0 || At(x, 1).r == 255) << x << ": " << At(x, 1);
+  }
+  // Anything but a string is the default again.
+  [small setMinificationFilter:(NSString *)[NSNull null]];
+  EXPECT_NSEQ([small minificationFilter], kCAFilterLinear);
+}
+
 TEST_F(LayerRender, OpacityBlendsWithinALevelAndGroupsSublayers) {
   CALayer *root = Layer(CGRectMake(0, 0, 100, 100), white_);
   // One thing drawn: its opacity is plain alpha.

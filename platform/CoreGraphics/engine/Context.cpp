@@ -112,7 +112,8 @@ cairo_filter_t filterFor(InterpolationQuality q, const Image* image) {
     if (!image->shouldInterpolate()) return CAIRO_FILTER_NEAREST;
     switch (q) {
         case InterpolationQuality::None: return CAIRO_FILTER_NEAREST;
-        case InterpolationQuality::Low: return CAIRO_FILTER_FAST;
+        // Bilinear: cairo's "fast" is nearest-neighbour when scaling.
+        case InterpolationQuality::Low: return CAIRO_FILTER_BILINEAR;
         case InterpolationQuality::High: return CAIRO_FILTER_BEST;
         case InterpolationQuality::Default:
         case InterpolationQuality::Medium: return CAIRO_FILTER_GOOD;

@@ -24,7 +24,8 @@
  * tree, and a layer-backed view shows its layer in its window
  * (NSView+TalvoLayerDrawing.h), from `contents` (a CGImage or an NSImage)
  * placed by `contentsGravity`, `backgroundColor`, `opacity`, `hidden`,
- * `masksToBounds`, `affineTransform` and the sublayers.
+ * `masksToBounds`, `affineTransform` and the sublayers, sampled by
+ * `minificationFilter`/`magnificationFilter`.
  *
  * Not covered: display, drawInContext:, setNeedsDisplay, contentsRect,
  * contentsCenter, filters, 3D transforms (CATransform3D), masks, shadows,
@@ -32,7 +33,8 @@
  * timing (layers do not adopt CAMediaTiming), sublayers of presentation
  * layers (a presentation layer has none: renderers take the model's
  * sublayers' presentation layers), archiving. backgroundColor,
- * contentsGravity, masksToBounds and affineTransform do not animate.
+ * contentsGravity, masksToBounds, affineTransform and the filters do not
+ * animate; minificationFilterBias is not there.
  */
 #ifndef TALVO_CALAYER_H
 #define TALVO_CALAYER_H
@@ -59,6 +61,14 @@ CA_EXTERN NSString *const kCAGravityBottomRight;
 CA_EXTERN NSString *const kCAGravityResize;
 CA_EXTERN NSString *const kCAGravityResizeAspect;
 CA_EXTERN NSString *const kCAGravityResizeAspectFill;
+
+/** Values of `minificationFilter` and `magnificationFilter`: how contents
+ * are sampled when drawn smaller or larger than their pixels. Linear is
+ * bilinear; trilinear draws with the engine's better (slower) filter, as
+ * there are no mipmaps here. */
+CA_EXTERN NSString *const kCAFilterNearest;
+CA_EXTERN NSString *const kCAFilterLinear;
+CA_EXTERN NSString *const kCAFilterTrilinear;
 
 @protocol CAAction
 /** Runs the action: an animation adds itself to `object` (a layer) for the
@@ -103,6 +113,8 @@ CA_EXTERN NSString *const kCAGravityResizeAspectFill;
   BOOL _masksToBounds;
   CGAffineTransform _affineTransform;
   CGImageRef _contentsImage;  // an NSImage's pixels, made at first draw
+  NSString *_minificationFilter;
+  NSString *_magnificationFilter;
 }
 
 + (instancetype)layer;
@@ -122,6 +134,9 @@ CA_EXTERN NSString *const kCAGravityResizeAspectFill;
 @property(nonatomic, assign) CGFloat contentsScale;
 /** kCAGravityResize by default; an unknown value places like it. */
 @property(nonatomic, copy) NSString *contentsGravity;
+/** kCAFilterLinear by default; an unknown value samples like it. */
+@property(nonatomic, copy) NSString *minificationFilter;
+@property(nonatomic, copy) NSString *magnificationFilter;
 /** Retained; NULL (the default) draws nothing under the contents. */
 @property(nonatomic, assign, nullable) CGColorRef backgroundColor;
 /** Whether sublayers are clipped to the bounds; NO by default. */
