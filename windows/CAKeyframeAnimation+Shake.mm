@@ -1,6 +1,7 @@
 #import <Talvo/CAKeyframeAnimation+Shake.h>
 
 #import "windows/TVWindowGeometry+Private.h"
+#import "windows/TVWindowPlatform+Private.h"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -13,8 +14,9 @@
 + (CAKeyframeAnimation *)shakeAnimationInFrame:(NSRect)frame
                                     withVigour:(double)vigour
                               andNumberOfShake:(double)numberOfShakes {
-  std::vector<talvo::windows::Point> points =
-      talvo::windows::ShakePoints(TVCoreRect(frame), vigour, numberOfShakes);
+  // Reduced motion: the same keyframes, all at the frame's origin.
+  std::vector<talvo::windows::Point> points = talvo::windows::ShakePoints(
+      TVCoreRect(frame), TVReduceMotion() ? 0.0 : vigour, numberOfShakes);
   CGMutablePathRef path = CGPathCreateMutable();
   CGPathMoveToPoint(path, NULL, points[0].x, points[0].y);
   for (size_t i = 1; i < points.size(); ++i) {

@@ -1,6 +1,7 @@
 #import <Talvo/NSWindow+Animation.h>
 
 #import "windows/TVWindowGeometry+Private.h"
+#import "windows/TVWindowPlatform+Private.h"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -39,6 +40,10 @@
 
 - (void)setWithBounceAnimationFrame:(NSRect)frame duration:(double)duration curve:(NSUInteger)curve {
   if (!TVRectIsFinite(frame)) {
+    return;
+  }
+  if (TVReduceMotion()) {
+    [self setFrame:frame display:YES];
     return;
   }
   NSRect overshoot = TVNSRect(talvo::windows::BounceOvershoot(TVCoreRect(frame)));

@@ -72,6 +72,17 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
   return picture != nil ? picture : TVOffscreenPicture(window, withShadow);
 }
 
+// Without motion the effect ends at once; the end is still posted on the
+// main queue's next turn, as after the animation, so an observer added
+// after the call hears it.
+static void TVPostEndLater(NSWindow *window) {
+  [window retain];
+  dispatch_async(dispatch_get_main_queue(), ^{
+    TVPost(VXWindowDidEndZoomEffect, window);
+    [window release];
+  });
+}
+
 @implementation NSWindow (ZoomEffect)
 
 #pragma mark - Public
@@ -100,6 +111,20 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
   TVPost(VXWindowWillStartZoomEffect, window);
   NSInteger savedBehavior = TVAnimationBehavior(window);
   TVSetAnimationBehavior(window, kNoAnimationBehavior);
+  if (TVReduceMotion()) {
+    // Where the animation ends: a titled window opaque, shown.
+    if (([window styleMask] & NSTitledWindowMask) != 0) {
+      [window setAlphaValue:1.0];
+    }
+    if (makeKey) {
+      [window makeKeyAndOrderFront:nil];
+    } else {
+      [window orderFront:nil];
+    }
+    TVSetAnimationBehavior(window, savedBehavior);
+    TVPostEndLater(window);
+    return;
+  }
   // Realised once, without the system's animation, and hidden again.
   [window makeKeyAndOrderFront:nil];
   [window orderOut:nil];
@@ -180,13 +205,19 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
   TVPost(VXWindowWillStartZoomEffect, window);
   NSInteger savedBehavior = TVAnimationBehavior(window);
   TVSetAnimationBehavior(window, kNoAnimationBehavior);
-  [window orderFront:nil];
   // Pictures of effects still running go: this one takes over.
   for (NSWindow *other in [[[NSApp windows] copy] autorelease]) {
     if ([other isKindOfClass:[_VXAnimationWindow class]]) {
       [other orderOut:nil];
     }
   }
+  if (TVReduceMotion()) {
+    [window orderOut:nil];
+    TVSetAnimationBehavior(window, savedBehavior);
+    TVPostEndLater(window);
+    return;
+  }
+  [window orderFront:nil];
   NSRect targetRect = TVRectInPoints(window, [window _transposedRectInScreen:rect]);
   NSRect frameInScreen = TVRectInPoints(window, [window _transposedRectInScreen:[window frame]]);
 
@@ -219,6 +250,10 @@ static NSImage *TVEffectPicture(NSWindow *window, BOOL withShadow) {
 
 - (void)makeKeyAndOrderFrontWithPopEffect {
   NSWindow *window = self;
+  if (TVReduceMotion()) {
+    [window makeKeyAndOrderFront:nil];
+    return;
+  }
   NSInteger savedBehavior = TVAnimationBehavior(window);
   TVSetAnimationBehavior(window, kNoAnimationBehavior);
   NSRect frame = [window frame];

@@ -44,3 +44,9 @@ static inline BOOL TVIsSheet(NSWindow *window) {
   // GNUstep has no flag: a sheet is a window attached to its parent.
   return [[window parentWindow] attachedSheet] == window;
 }
+
+// Whether the user asked for reduced motion: the effects then go straight
+// to their end state.
+static inline BOOL TVReduceMotion(void) {
+  return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
+}

@@ -26,6 +26,8 @@ class WindowAtTwoX : public WindowServerTest {
 TEST_F(WindowAtTwoX, BackingScaleFactorAndConversionsAreTwo) {
   NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor]);
   EXPECT_EQ([window backingScaleFactor], 2.0);
+  EXPECT_EQ([[window screen] backingScaleFactor], 2.0);
+  EXPECT_EQ([[NSScreen mainScreen] backingScaleFactor], 2.0);
   EXPECT_TRUE(NSEqualRects([window convertRectToBacking:NSMakeRect(1, 2, 3, 4)], NSMakeRect(2, 4, 6, 8)));
   EXPECT_TRUE(NSEqualRects([window convertRectFromBacking:NSMakeRect(2, 4, 6, 8)], NSMakeRect(1, 2, 3, 4)));
 }

@@ -1,6 +1,10 @@
-// A backing scale for screens that tests can set: GNUstep hard-codes 1.0.
+// A screen's backing scale. GNUstep 0.29 answers 1.0 even under
+// -GSScaleFactor 2; the screen's own scale is its userSpaceScaleFactor.
+// Tests can set an override that every screen answers.
 
 #import <AppKit/AppKit.h>
+
+#include <cmath>
 
 #import "platform/objc/TVRuntime.h"
 
@@ -14,6 +18,10 @@ static CGFloat (*originalBackingScaleFactor)(id, SEL) = NULL;
 static CGFloat TVBackingScaleFactor(id screen, SEL selector) {
   if (scaleOverride > 0) {
     return scaleOverride;
+  }
+  CGFloat scale = [(NSScreen *)screen userSpaceScaleFactor];
+  if (std::isfinite(scale) && scale > 0) {
+    return scale;
   }
   return originalBackingScaleFactor ? originalBackingScaleFactor(screen, selector) : 1.0;
 }

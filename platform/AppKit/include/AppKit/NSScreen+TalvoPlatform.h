@@ -1,13 +1,15 @@
 /*
- * A settable backing scale for screens on GNUstep.
+ * A true, and settable, backing scale for screens on GNUstep.
  *
  * GNUstep 0.29 answers 1.0 from -[NSScreen backingScaleFactor] whatever the
- * display (even with -GSScaleFactor 2). Tests and the gallery set an
- * override here so that code which renders at the screen's scale can be run
- * at 2x; every screen then answers it.
+ * display. Here a screen answers its user-space scale, so 2 under
+ * -GSScaleFactor 2. Tests and the gallery may also set an override, so that
+ * code which renders at the screen's scale can be run at 2x in a 1x
+ * process; every screen then answers it.
  *
- * Not covered: per-screen scales, the window's -backingScaleFactor,
- * -convertRectToBacking: and the scale-change notifications.
+ * Not covered: screens of different scales in one process (GNUstep has one
+ * scale for all), -convertRectToBacking: on screens and the scale-change
+ * notifications. The window's -backingScaleFactor is NSWindow+TalvoPlatform.h's.
  */
 #ifndef TALVO_PLATFORM_NSSCREEN_H
 #define TALVO_PLATFORM_NSSCREEN_H

@@ -3,8 +3,9 @@
  * (inside an animation group) these animate: -setFrame:display: (each
  * frame calls -setFrame:display: with the flag given), alphaValue, and any
  * key for which -animationForKey: answers an animation. The proxy's
- * -setFrame: is -setFrame:display:YES. Not covered: animationBehavior,
- * -setFrame:display:animate: (GNUstep's own, on its own timer).
+ * -setFrame: is -setFrame:display:YES. animationBehavior and a blocking
+ * -setFrame:display:animate: on the animation clock are in
+ * NSWindow+TalvoPlatform.h.
  */
 #ifndef TALVO_PLATFORM_NSWINDOW_ANIMATION_H
 #define TALVO_PLATFORM_NSWINDOW_ANIMATION_H
