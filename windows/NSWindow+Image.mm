@@ -67,8 +67,8 @@ static talvo::windows::EdgeInsets TVCoreInsets(NSEdgeInsets insets) {
   NSImage *image = [[NSImage alloc] initWithSize:NSMakeSize(width, height)];
   [image addRepresentation:rep];
   [rep release];
-  // The window's backing scale is its screen's on AppKit; on GNUstep only
-  // the window knows it (screens answer 1 even at 2x).
+  // The window's own backing scale: a window between screens has the one
+  // its pixels were drawn at.
   CGFloat scale = [self backingScaleFactor];
   if (!(scale > 0.0)) {
     scale = 1.0;

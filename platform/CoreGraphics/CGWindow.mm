@@ -37,11 +37,19 @@ const CFStringRef kCGWindowIsOnscreen = (CFStringRef)@"kCGWindowIsOnscreen";
 
 namespace {
 
-// The drawn shadow, in points: how far it spreads, how far down it falls,
-// how dark it is at its densest.
-constexpr double kShadowRadius = 10.0;
-constexpr double kShadowOffset = 4.0;
+// The drawn shadow, in points: how far it spreads and how far down it
+// falls, for a titled window (the large shadow of a document window) and
+// for any other; how dark it is at its densest.
+struct ShadowReach {
+  double spread, down;
+};
+constexpr ShadowReach kTitledShadow = {42.0, 8.0};
+constexpr ShadowReach kPlainShadow = {17.0, 4.0};
 constexpr double kShadowOpacity = 0.45;
+
+ShadowReach ReachOf(NSWindow *window) {
+  return ([window styleMask] & NSTitledWindowMask) != 0 ? kTitledShadow : kPlainShadow;
+}
 
 #pragma mark - Window arrays
 
@@ -272,11 +280,13 @@ struct ShadowShape {
   int radius, reach, dy;
 };
 
-ShadowShape ShapeAt(double scale) {
+// Three box blurs of a radius spread three radii: the radius is a third
+// of the spread, rounded down so the shadow stays inside its reach.
+ShadowShape ShapeAt(ShadowReach reach, double scale) {
   ShadowShape shape;
-  shape.radius = std::max(1, (int)std::lround(kShadowRadius * scale / 3.0));
+  shape.radius = std::max(1, (int)(reach.spread * scale / 3.0));
   shape.reach = 3 * shape.radius;
-  shape.dy = (int)std::lround(kShadowOffset * scale);
+  shape.dy = (int)std::lround(reach.down * scale);
   return shape;
 }
 
@@ -418,9 +428,9 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     for (const Source &s : sources) {
       CGRect r = s.bounds;
       if (framing && [s.window hasShadow]) {
-        double reach = kShadowRadius + 1;
-        r = CGRectMake(r.origin.x - reach, r.origin.y - reach, r.size.width + 2 * reach,
-                       r.size.height + 2 * reach + kShadowOffset);
+        ShadowReach reach = ReachOf(s.window);
+        r = CGRectMake(r.origin.x - reach.spread, r.origin.y - reach.spread + reach.down,
+                       r.size.width + 2 * reach.spread, r.size.height + 2 * reach.spread);
       }
       area = CGRectUnion(area, r);
     }
@@ -465,7 +475,7 @@ CGImageRef CreateImage(CGRect screenBounds, NSArray *windows, CGWindowImageOptio
     const int x = (int)(left + px(s->bounds.origin.x - first.bounds.origin.x));
     const int y = (int)(top + px(s->bounds.origin.y - first.bounds.origin.y));
     const bool shadow = framing && [s->window hasShadow];
-    const ShadowShape shape = ShapeAt(s->scale);
+    const ShadowShape shape = ShapeAt(ReachOf(s->window), s->scale);
     if (alone) {
       FetchInto(target, s->buffer, x, y, s->width, s->height);
       // As the window server does, an opaque window casts the shadow of its

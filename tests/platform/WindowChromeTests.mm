@@ -31,6 +31,22 @@ TEST_F(WindowChrome, StyleMaskKeepsEveryBitIncludingFullSizeContent) {
   EXPECT_TRUE([window isVisible]);
 }
 
+// A titled window has a shadow until told otherwise; a borderless one
+// only when asked; a restyle keeps what was set.
+TEST_F(WindowChrome, TitledWindowsHaveAShadowUntilToldOtherwise) {
+  NSWindow *titled = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor],
+                                [NSColor redColor], TitledMask());
+  NSWindow *plain = MakeWindow(NSMakeRect(320, 100, 200, 100), [NSColor blueColor],
+                               [NSColor redColor], NSWindowStyleMaskBorderless);
+  EXPECT_TRUE([titled hasShadow]);
+  EXPECT_FALSE([plain hasShadow]);
+  [titled setHasShadow:NO];
+  [titled setStyleMask:TitledMask() | NSWindowStyleMaskFullSizeContentView];
+  EXPECT_FALSE([titled hasShadow]);
+  [plain setHasShadow:YES];
+  EXPECT_TRUE([plain hasShadow]);
+}
+
 TEST_F(WindowChrome, TitleBarSettingsStartAtAppKitsDefaultsAndKeepValidValues) {
   NSWindow *window = MakeWindow(NSMakeRect(100, 100, 200, 100), [NSColor blueColor], [NSColor redColor],
                                 TitledMask());

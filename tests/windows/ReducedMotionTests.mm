@@ -14,16 +14,37 @@ NSString *const kReduceMotion = @"reduceMotion";
 // Counts the workspace's accessibility notifications.
 int gOptionChanges = 0;
 
+// Sets or removes a default in the registration domain, which lives in
+// this process only (tests run in parallel share the persistent domains'
+// file), then tells observers as a change of the persistent domains does.
+void SetRegistered(NSString *key, id value) {
+  NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
+  NSMutableDictionary *domain =
+      [[[defaults volatileDomainForName:NSRegistrationDomain] mutableCopy] autorelease];
+  if (domain == nil) domain = [NSMutableDictionary dictionary];
+  if (value != nil) {
+    [domain setObject:value forKey:key];
+  } else {
+    [domain removeObjectForKey:key];
+  }
+  [defaults removeVolatileDomainForName:NSRegistrationDomain];
+  [defaults setVolatileDomain:domain forName:NSRegistrationDomain];
+  [[NSNotificationCenter defaultCenter] postNotificationName:NSUserDefaultsDidChangeNotification
+                                                      object:defaults];
+}
+
+void SetReduceMotion(BOOL reduce) { SetRegistered(kReduceMotion, reduce ? @"YES" : nil); }
+
 class ReducedMotion : public WindowTest {
  protected:
   void SetUp() override {
     WindowTest::SetUp();
     if (IsSkipped()) return;
     log_.reset([[TVWindowNotificationLog alloc] init]);
-    [[NSUserDefaults standardUserDefaults] setBool:YES forKey:kReduceMotion];
+    SetReduceMotion(YES);
   }
   void TearDown() override {
-    [[NSUserDefaults standardUserDefaults] removeObjectForKey:kReduceMotion];
+    SetReduceMotion(NO);
     WindowTest::TearDown();
   }
   void Watch(NSWindow *window) {
@@ -60,10 +81,9 @@ NSArray *WillThenDid() {
 @end
 
 TEST_F(ReducedMotion, WorkspaceReadsTheDefaultAndPostsItsChanges) {
-  NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
   NSWorkspace *workspace = [NSWorkspace sharedWorkspace];
   EXPECT_TRUE([workspace accessibilityDisplayShouldReduceMotion]);
-  [defaults removeObjectForKey:kReduceMotion];
+  SetReduceMotion(NO);
   EXPECT_FALSE([workspace accessibilityDisplayShouldReduceMotion]);
   EXPECT_FALSE([workspace accessibilityDisplayShouldReduceTransparency]);
   EXPECT_FALSE([workspace accessibilityDisplayShouldIncreaseContrast]);
@@ -74,16 +94,16 @@ TEST_F(ReducedMotion, WorkspaceReadsTheDefaultAndPostsItsChanges) {
                                          name:NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
                                        object:nil];
   gOptionChanges = 0;
-  [defaults setBool:YES forKey:kReduceMotion];
+  SetReduceMotion(YES);
   EXPECT_EQ(gOptionChanges, 1);
-  [defaults setBool:YES forKey:kReduceMotion];
-  [defaults setObject:@"x" forKey:@"TalvoSomethingElse"];
-  [defaults removeObjectForKey:@"TalvoSomethingElse"];
+  SetReduceMotion(YES);
+  SetRegistered(@"TalvoSomethingElse", @"x");
+  SetRegistered(@"TalvoSomethingElse", nil);
   EXPECT_EQ(gOptionChanges, 1) << "only a change of an option posts";
-  [defaults setBool:YES forKey:@"increaseContrast"];
+  SetRegistered(@"increaseContrast", @"YES");
   EXPECT_TRUE([workspace accessibilityDisplayShouldIncreaseContrast]);
   EXPECT_EQ(gOptionChanges, 2);
-  [defaults removeObjectForKey:@"increaseContrast"];
+  SetRegistered(@"increaseContrast", nil);
   EXPECT_EQ(gOptionChanges, 3);
   [[workspace notificationCenter] removeObserver:counter.get()];
 }
@@ -131,11 +151,11 @@ TEST_F(ReducedMotion, ZoomOutHidesTheWindowAtOnceAndStillPostsBoth) {
 
   // A zoom out still removes the picture of an effect running from before
   // the setting changed.
-  [[NSUserDefaults standardUserDefaults] setBool:NO forKey:kReduceMotion];
+  SetReduceMotion(NO);
   [window.get() makeKeyAndOrderFrontWithZoomEffectFromRect:NSMakeRect(150, 150, 20, 10)];
   RunLoopTurn();
   ASSERT_EQ(AnimationWindows(), 1u);
-  [[NSUserDefaults standardUserDefaults] setBool:YES forKey:kReduceMotion];
+  SetReduceMotion(YES);
   [window.get() orderOutKeyWithZoomEffectToRect:NSMakeRect(10, 10, 20, 20)];
   EXPECT_EQ(AnimationWindows(), 0u);
   EXPECT_FALSE([window.get() isVisible]);

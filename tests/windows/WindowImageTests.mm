@@ -131,6 +131,27 @@ TEST_F(WindowScreenshot, PictureWithAndWithoutTheShadowArea) {
   [window.get() orderOut:nil];
 }
 
+// A titled window casts its shadow in the picture without being asked,
+// as on AppKit: dark under the window's bottom edge, fading outwards.
+TEST_F(WindowScreenshot, TitledWindowPictureCarriesItsShadow) {
+  Owned<NSWindow> window(NewFilledWindow(NSMakeRect(100, 100, 200, 100), NSTitledWindowMask,
+                                         [NSColor redColor]));
+  [window.get() orderFront:nil];
+  [window.get() display];
+  NSImage *shadowed = [window.get() screenshotByCapturingShadow:YES];
+  ASSERT_NE(shadowed, nil);
+  NSEdgeInsets insets = [window.get() shadowEdgeInsets];
+  NSBitmapImageRep *rep = (NSBitmapImageRep *)[[shadowed representations] objectAtIndex:0];
+  double scale = [rep pixelsWide] / [shadowed size].width;
+  // Rows counted from the bottom: just below the window, then the edge.
+  int x = int([shadowed size].width / 2 * scale);
+  int nearRow = int((-insets.bottom - 3) * scale);  // insets grow outwards: negative
+  int farRow = 0;
+  EXPECT_GT(RepPixel(rep, x, nearRow).a, 20) << "shadow just under the window";
+  EXPECT_LT(RepPixel(rep, x, farRow).a, RepPixel(rep, x, nearRow).a) << "and fading";
+  [window.get() orderOut:nil];
+}
+
 TEST_F(WindowScreenshot, ViewPictureRendersThePresentedLayer) {
   Owned<NSView> view([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 20.9, 10)]);
   [view.get() setWantsLayer:YES];

@@ -3,6 +3,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <objc/runtime.h>
+
 #if __has_feature(objc_arc)
 #error "This file is manual reference counting only."
 #endif
@@ -56,9 +58,20 @@ unsigned CurrentOptions() {
     return;
   }
   _options = options;
-  [[[NSWorkspace sharedWorkspace] notificationCenter]
-      postNotificationName:NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
-                    object:[NSWorkspace sharedWorkspace]];
+  // GNUstep's workspace centre sends what is posted on it to every
+  // application through the distributed centre; each application sees
+  // its own defaults change, so this one is delivered here only, by the
+  // plain notification centre's posting.
+  NSWorkspace *workspace = [NSWorkspace sharedWorkspace];
+  NSNotificationCenter *center = [workspace notificationCenter];
+  NSNotification *note =
+      [NSNotification notificationWithName:NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
+                                    object:workspace];
+  SEL post = @selector(postNotification:);
+  if ([center isKindOfClass:[NSNotificationCenter class]]) {
+    IMP local = class_getMethodImplementation([NSNotificationCenter class], post);
+    ((void (*)(id, SEL, NSNotification *))local)(center, post, note);
+  }
 }
 
 @end

@@ -14,6 +14,8 @@
   NSWindowTitleVisibility _titleVisibility;
   NSWindowAnimationBehavior _animationBehavior;
   BOOL _immovable;
+  // Whether -setHasShadow: was called; until then titled windows answer YES.
+  BOOL _shadowSet;
   NSAppearance *_appearance;
   // The standard buttons made for the window, by NSWindowButton kind.
   NSMutableDictionary *_buttons;

@@ -101,6 +101,24 @@ NSButton *TVStandardWindowButton(NSWindow *window, SEL selector, NSWindowButton 
   return button;
 }
 
+// GNUstep gives no window a shadow unless asked; on AppKit a titled window
+// has one from the start.
+BOOL (*originalHasShadow)(id, SEL) = NULL;
+void (*originalSetHasShadow)(id, SEL, BOOL) = NULL;
+
+BOOL TVHasShadow(NSWindow *window, SEL selector) {
+  _TVWindowPlatformState *state = TVWindowPlatformState(window, NO);
+  if ((state == nil || !state->_shadowSet) && ([window styleMask] & NSWindowStyleMaskTitled) != 0) {
+    return YES;
+  }
+  return originalHasShadow(window, selector);
+}
+
+void TVSetHasShadow(NSWindow *window, SEL selector, BOOL flag) {
+  TVWindowPlatformState(window, YES)->_shadowSet = YES;
+  originalSetHasShadow(window, selector, flag);
+}
+
 }  // namespace
 
 @implementation NSWindow (TalvoPlatform)
@@ -112,6 +130,10 @@ NSButton *TVStandardWindowButton(NSWindow *window, SEL selector, NSWindowButton 
       self, @selector(isMovableByWindowBackground), (IMP)TVIsMovableByWindowBackground);
   originalStandardWindowButton = (NSButton * (*)(id, SEL, NSWindowButton)) TVReplaceInstanceMethod(
       self, @selector(standardWindowButton:), (IMP)TVStandardWindowButton);
+  originalHasShadow =
+      (BOOL(*)(id, SEL))TVReplaceInstanceMethod(self, @selector(hasShadow), (IMP)TVHasShadow);
+  originalSetHasShadow = (void (*)(id, SEL, BOOL))TVReplaceInstanceMethod(
+      self, @selector(setHasShadow:), (IMP)TVSetHasShadow);
 }
 
 #pragma mark - Public

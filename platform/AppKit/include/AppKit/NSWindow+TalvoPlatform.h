@@ -22,7 +22,11 @@
  *   -GSScaleFactor 2, GNUstep's userSpaceScaleFactor); convertRectToBacking:
  *   and convertRectFromBacking: scale by it. Under -GSScaleFactor 2 GNUstep
  *   keeps window frames in device pixels and scales views; NSScreen's
- *   backingScaleFactor still answers 1 there unless overridden.
+ *   backingScaleFactor answers the same scale (NSScreen+TalvoPlatform.h).
+ * - hasShadow is YES for a titled window until setHasShadow: says
+ *   otherwise, as on AppKit (GNUstep answers NO for every window). The
+ *   shadow shows in window-list pictures (CGWindow.h); the X server draws
+ *   none.
  * - isMovable (YES at first) is stored; a window that is not movable
  *   answers NO to isMovableByWindowBackground, so GNUstep does not drag it
  *   by its background. Code still moves it.

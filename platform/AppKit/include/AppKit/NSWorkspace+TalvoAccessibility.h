@@ -11,7 +11,9 @@
  * Once any of them has been read, a change of one (through the user
  * defaults, in this process) posts
  * NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification on the
- * workspace's notification centre, as macOS does.
+ * workspace's notification centre, as macOS does, to this process's
+ * observers only (GNUstep's workspace centre would send it to every
+ * application, and each one sees the change itself).
  *
  * Not covered: the other accommodations (differentiate without colour,
  * invert colours, the voice-over and switch-control states), and changes

@@ -20,10 +20,11 @@
  * (the part of it inside the bounds); kCGWindowImageDefault gives it
  * inside a transparent margin as wide as the screen bounds reach beyond
  * the window, with a drawn soft shadow there when the window hasShadow
- * (there is no system shadow to copy): about 10 points of blur, 4 points
- * down, 45% black at its densest, shaped like the frame for an opaque
- * window and like its drawn pixels otherwise. CGRectNull bounds take the
- * windows with that shadow's reach. The pixel size is the backing's plus
+ * (there is no system shadow to copy): for a titled window it spreads 42
+ * points and falls 8 points down, for any other 17 and 4 (the reach of
+ * macOS's document-window and plain shadows); 45% black at its densest,
+ * shaped like the frame for an opaque window and like its drawn pixels
+ * otherwise. CGRectNull bounds take the windows with that shadow's reach. The pixel size is the backing's plus
  * whole pixels of margin, never bounds times a scale; under GNUstep's
  * -GSScaleFactor 2 window frames are already in device pixels, so a unit
  * of the bounds is one pixel there.
