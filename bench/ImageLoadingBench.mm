@@ -82,6 +82,24 @@ void BM_OpenReadCloseFloor(benchmark::State &state) {
 }
 BENCHMARK(BM_OpenReadCloseFloor)->Apply(FormatLabels)->Unit(benchmark::kMicrosecond);
 
+// The floor of a header that goes past the first block (a JPEG's metadata,
+// a TIFF's directory after the pixels): a second 4 KB read, at the block
+// where that header continues.
+void BM_OpenTwoReadsCloseFloor(benchmark::State &state) {
+  std::string path = [SamplePath(int(state.range(0))) fileSystemRepresentation];
+  const fx::Bytes &bytes = Samples()[size_t(state.range(0))].bytes;
+  off_t second = state.range(0) == 1 ? 8192 : off_t(bytes.size() > 4096 ? bytes.size() - 4096 : 0);
+  char buffer[4096];
+  for (auto _ : state) {
+    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    benchmark::DoNotOptimize(read(fd, buffer, sizeof buffer));
+    benchmark::DoNotOptimize(pread(fd, buffer, sizeof buffer, second));
+    close(fd);
+  }
+  state.SetLabel(Samples()[size_t(state.range(0))].name);
+}
+BENCHMARK(BM_OpenTwoReadsCloseFloor)->Arg(1)->Arg(4)->Unit(benchmark::kMicrosecond);
+
 void BM_SizeForFileAtURL(benchmark::State &state) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   NSURL *url = [[NSURL alloc] initFileURLWithPath:SamplePath(int(state.range(0)))];

@@ -1,5 +1,6 @@
 // Retain, release and type identity for the toll-free CF objects.
 #include <CoreFoundation/CoreFoundation.h>
+#import "platform/objc/TVRuntime.h"
 
 namespace {
 
@@ -63,11 +64,11 @@ CFTypeID CFGetTypeID(CFTypeRef object) {
   if (!value) return _kCFRuntimeNotATypeID;
   // Booleans are NSNumbers of the class kCFBooleanTrue belongs to.
   if ([value isKindOfClass:[(id)kCFBooleanTrue class]]) return kBooleanTypeID;
-  if ([value isKindOfClass:[NSNumber class]]) return kNumberTypeID;
-  if ([value isKindOfClass:[NSString class]]) return kStringTypeID;
-  if ([value isKindOfClass:[NSArray class]]) return kArrayTypeID;
-  if ([value isKindOfClass:[NSDictionary class]]) return kDictionaryTypeID;
-  if ([value isKindOfClass:[NSData class]]) return kDataTypeID;
-  if ([value isKindOfClass:[NSURL class]]) return kURLTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSNumber)]) return kNumberTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSString)]) return kStringTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSArray)]) return kArrayTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSDictionary)]) return kDictionaryTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSData)]) return kDataTypeID;
+  if ([value isKindOfClass:TVCachedClass(NSURL)]) return kURLTypeID;
   return _kCFRuntimeNotATypeID;
 }

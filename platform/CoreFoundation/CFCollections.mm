@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#import "platform/objc/TVRuntime.h"
 
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, NULL, NULL, NULL, NULL};
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0, NULL, NULL, NULL, NULL, NULL};
@@ -13,22 +14,22 @@ namespace {
 
 NSArray *AsArray(CFArrayRef array) {
   id object = (id)array;
-  return [object isKindOfClass:[NSArray class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSArray)] ? object : nil;
 }
 
 NSMutableArray *AsMutableArray(CFMutableArrayRef array) {
   id object = (id)array;
-  return [object isKindOfClass:[NSMutableArray class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSMutableArray)] ? object : nil;
 }
 
 NSDictionary *AsDictionary(CFDictionaryRef dictionary) {
   id object = (id)dictionary;
-  return [object isKindOfClass:[NSDictionary class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSDictionary)] ? object : nil;
 }
 
 NSMutableDictionary *AsMutableDictionary(CFMutableDictionaryRef dictionary) {
   id object = (id)dictionary;
-  return [object isKindOfClass:[NSMutableDictionary class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSMutableDictionary)] ? object : nil;
 }
 
 // Dictionary keys must be copyable objects in Foundation.

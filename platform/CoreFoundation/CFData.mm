@@ -2,17 +2,18 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdlib>
+#import "platform/objc/TVRuntime.h"
 
 namespace {
 
 NSData *AsData(CFTypeRef data) {
   id object = (id)data;
-  return [object isKindOfClass:[NSData class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSData)] ? object : nil;
 }
 
 NSMutableData *AsMutableData(CFTypeRef data) {
   id object = (id)data;
-  return [object isKindOfClass:[NSMutableData class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSMutableData)] ? object : nil;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#import "platform/objc/TVRuntime.h"
 
 CFBooleanRef kCFBooleanTrue = NULL;
 CFBooleanRef kCFBooleanFalse = NULL;
@@ -25,7 +26,7 @@ namespace {
 
 NSNumber *AsNumber(CFTypeRef number) {
   id object = (id)number;
-  return [object isKindOfClass:[NSNumber class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSNumber)] ? object : nil;
 }
 
 bool IsFloatEncoding(const char *type) { return type && (type[0] == 'f' || type[0] == 'd'); }

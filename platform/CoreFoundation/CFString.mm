@@ -2,12 +2,13 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstring>
+#import "platform/objc/TVRuntime.h"
 
 namespace {
 
 NSString *AsString(CFTypeRef string) {
   id object = (id)string;
-  return [object isKindOfClass:[NSString class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSString)] ? object : nil;
 }
 
 // Foundation's encoding for a Core Foundation one; 0 when there is none.
@@ -114,5 +115,5 @@ Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix) {
 void CFStringAppend(CFMutableStringRef string, CFStringRef appended) {
   id target = (id)string;
   NSString *tail = AsString(appended);
-  if (tail && [target isKindOfClass:[NSMutableString class]]) [target appendString:tail];
+  if (tail && [target isKindOfClass:TVCachedClass(NSMutableString)]) [target appendString:tail];
 }

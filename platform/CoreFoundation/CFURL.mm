@@ -2,19 +2,20 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstring>
+#import "platform/objc/TVRuntime.h"
 
 namespace {
 
 NSURL *AsURL(CFTypeRef url) {
   id object = (id)url;
-  return [object isKindOfClass:[NSURL class]] ? object : nil;
+  return [object isKindOfClass:TVCachedClass(NSURL)] ? object : nil;
 }
 
 }  // namespace
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle style, Boolean isDirectory) {
   id string = (id)path;
-  if (style != kCFURLPOSIXPathStyle || ![string isKindOfClass:[NSString class]] || [string length] == 0)
+  if (style != kCFURLPOSIXPathStyle || ![string isKindOfClass:TVCachedClass(NSString)] || [string length] == 0)
     return NULL;
   return (CFURLRef)[[NSURL alloc] initFileURLWithPath:string isDirectory:isDirectory ? YES : NO];
 }
@@ -31,7 +32,7 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef, const uint8_t *
 
 CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef string, CFURLRef base) {
   id text = (id)string;
-  if (![text isKindOfClass:[NSString class]]) return NULL;
+  if (![text isKindOfClass:TVCachedClass(NSString)]) return NULL;
   return (CFURLRef)[[NSURL alloc] initWithString:text relativeToURL:AsURL(base)];
 }
 

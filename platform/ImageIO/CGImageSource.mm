@@ -11,6 +11,7 @@
 
 #include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
+#import "platform/objc/TVRuntime.h"
 
 #if __has_feature(objc_arc)
 #error "Talvo is built with manual reference counting."
@@ -184,23 +185,28 @@ CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef ref, size_t 
   _TVImageSource *source = Source(ref);
   const io::HeaderInfo *header = index == 0 ? [source header] : [source countedHeader];
   if (header == NULL || index >= header->imageCount) return NULL;
-  NSMutableDictionary *properties = [[NSMutableDictionary alloc] initWithCapacity:6];
-  [properties setObject:[NSNumber numberWithUnsignedInt:header->width]
-                 forKey:(NSString *)kCGImagePropertyPixelWidth];
-  [properties setObject:[NSNumber numberWithUnsignedInt:header->height]
-                 forKey:(NSString *)kCGImagePropertyPixelHeight];
-  [properties setObject:[NSNumber numberWithBool:header->hasAlpha]
-                 forKey:(NSString *)kCGImagePropertyHasAlpha];
+  // Built in one go from the values: callers such as a size probe ask
+  // for this once per file.
+  Class number = TVCachedClass(NSNumber);
+  id values[6];
+  id keys[6];
+  NSUInteger count = 0;
+  auto add = [&](CFStringRef key, id value) {
+    keys[count] = (id)key;
+    values[count++] = value;
+  };
+  add(kCGImagePropertyPixelWidth, [number numberWithUnsignedInt:header->width]);
+  add(kCGImagePropertyPixelHeight, [number numberWithUnsignedInt:header->height]);
+  add(kCGImagePropertyHasAlpha, [number numberWithBool:header->hasAlpha]);
   if (header->orientation != 0) {
-    [properties setObject:[NSNumber numberWithInt:header->orientation]
-                   forKey:(NSString *)kCGImagePropertyOrientation];
+    add(kCGImagePropertyOrientation, [number numberWithInt:header->orientation]);
   }
   if (header->dpiWidth > 0 && header->dpiHeight > 0) {
-    [properties setObject:[NSNumber numberWithDouble:header->dpiWidth]
-                   forKey:(NSString *)kCGImagePropertyDPIWidth];
-    [properties setObject:[NSNumber numberWithDouble:header->dpiHeight]
-                   forKey:(NSString *)kCGImagePropertyDPIHeight];
+    add(kCGImagePropertyDPIWidth, [number numberWithDouble:header->dpiWidth]);
+    add(kCGImagePropertyDPIHeight, [number numberWithDouble:header->dpiHeight]);
   }
+  NSDictionary *properties =
+      [[TVCachedClass(NSDictionary) alloc] initWithObjects:values forKeys:keys count:count];
   return (CFDictionaryRef)properties;
 }
 
