@@ -132,6 +132,20 @@ TEST(TemplateImages, TheMarkIsKeptThroughCopiesAndClearedOnRequest) {
   }
 }
 
+// Found by a name ending in "Template": a template; by any other: not.
+TEST(TemplateImages, ImagesNamedLikeTemplatesAreTemplates) {
+  Owned<NSImage> dot([[NSImage alloc] initWithSize:NSMakeSize(2, 2)]);
+  Owned<NSImage> plain([[NSImage alloc] initWithSize:NSMakeSize(2, 2)]);
+  ASSERT_TRUE([dot.get() setName:@"TalvoTestDotTemplate"]);
+  ASSERT_TRUE([plain.get() setName:@"TalvoTestTemplateDot"]);
+  EXPECT_TRUE([[NSImage imageNamed:@"TalvoTestDotTemplate"] isTemplate]);
+  EXPECT_FALSE([[NSImage imageNamed:@"TalvoTestTemplateDot"] isTemplate]);
+  EXPECT_EQ([NSImage imageNamed:@"TalvoNoSuchTemplate"], nil);
+  EXPECT_EQ([NSImage imageNamed:(NSString *)[NSNull null]], nil);
+  [dot.get() setName:nil];
+  [plain.get() setName:nil];
+}
+
 TEST(ColorPanel, TheSharedPanelIsAColorPanelAndNeedsNoDisplay) {
   if (!HasWindowServer()) {
     GTEST_SKIP() << "needs a window server";

@@ -17,6 +17,7 @@ static std::unordered_set<NSImage *> templateImages;
 
 static void (*originalImageDealloc)(id, SEL) = NULL;
 static id (*originalImageCopy)(id, SEL, NSZone *) = NULL;
+static id (*originalImageNamed)(id, SEL, NSString *) = NULL;
 
 static void TVImageDealloc(id image, SEL selector) {
   templateImages.erase(image);
@@ -29,6 +30,19 @@ static id TVImageCopy(id image, SEL selector, NSZone *zone) {
     templateImages.insert(copy);
   }
   return copy;
+}
+
+// As AppKit does, an image found by a name ending in "Template" is one.
+// A name that is not a string finds nothing (GNUstep raises).
+static id TVImageNamed(id imageClass, SEL selector, NSString *name) {
+  if (![name isKindOfClass:[NSString class]]) {
+    return nil;
+  }
+  NSImage *image = originalImageNamed(imageClass, selector, name);
+  if (image != nil && [[name stringByDeletingPathExtension] hasSuffix:@"Template"]) {
+    templateImages.insert(image);
+  }
+  return image;
 }
 
 @interface _TVTemplateImageInstaller : NSObject
@@ -45,6 +59,8 @@ static id TVImageCopy(id image, SEL selector, NSZone *zone) {
       image, @selector(dealloc), (IMP)TVImageDealloc);
   originalImageCopy = (id(*)(id, SEL, NSZone *))TVReplaceInstanceMethod(
       image, @selector(copyWithZone:), (IMP)TVImageCopy);
+  originalImageNamed = (id(*)(id, SEL, NSString *))TVReplaceInstanceMethod(
+      object_getClass(image), @selector(imageNamed:), (IMP)TVImageNamed);
   [pool drain];
 }
 @end
