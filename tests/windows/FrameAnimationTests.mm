@@ -24,12 +24,7 @@ void CollectPoint(void *info, const CGPathElement *element) {
 }  // namespace
 
 TEST_F(FrameAnimation, BlocksUntilTheTargetIsReached) {
-  Owned<TVWindowFrameRecorder> window([[TVWindowFrameRecorder alloc]
-      initWithContentRect:NSMakeRect(50, 50, 100, 80)
-                styleMask:NSBorderlessWindowMask
-                  backing:NSBackingStoreBuffered
-                    defer:NO]);
-  [window.get() setReleasedWhenClosed:NO];
+  Owned<TVWindowFrameRecorder> window([TVWindowFrameRecorder newBorderlessWithContentRect:NSMakeRect(50, 50, 100, 80)]);
   [window.get() orderFront:nil];
   NSDate *start = [NSDate date];
   [window.get() setWithAnimationFrame:NSMakeRect(70, 60, 160, 120) duration:0.25 curve:3];
@@ -54,12 +49,7 @@ TEST_F(FrameAnimation, BlocksUntilTheTargetIsReached) {
 }
 
 TEST_F(FrameAnimation, BouncePassesThroughTheOvershootAtHalfTime) {
-  Owned<TVWindowFrameRecorder> window([[TVWindowFrameRecorder alloc]
-      initWithContentRect:NSMakeRect(20, 20, 60, 30)
-                styleMask:NSBorderlessWindowMask
-                  backing:NSBackingStoreBuffered
-                    defer:NO]);
-  [window.get() setReleasedWhenClosed:NO];
+  Owned<TVWindowFrameRecorder> window([TVWindowFrameRecorder newBorderlessWithContentRect:NSMakeRect(20, 20, 60, 30)]);
   [window.get() orderFront:nil];
   NSDate *start = [NSDate date];
   [window.get() setWithBounceAnimationFrame:NSMakeRect(0, 0, 100, 50) duration:0.4 curve:0];

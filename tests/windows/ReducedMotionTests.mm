@@ -47,12 +47,7 @@ class ReducedMotion : public WindowTest {
     SetReduceMotion(NO);
     WindowTest::TearDown();
   }
-  void Watch(NSWindow *window) {
-    [log_.get() observe:VXWindowWillStartZoomEffect object:window];
-    [log_.get() observe:VXWindowDidEndZoomEffect object:window];
-    [log_.get() observe:NSWindowDidResizeNotification object:window];
-    [log_.get() observe:NSWindowDidMoveNotification object:window];
-  }
+  void Watch(NSWindow *window) { [log_.get() observeZoomEffectOf:window]; }
   NSArray *Names() { return [log_.get() names]; }
   // Animation windows made and still around (on screen or not).
   NSUInteger AnimationWindows() {
@@ -168,12 +163,7 @@ TEST_F(ReducedMotion, ZoomOutHidesTheWindowAtOnceAndStillPostsBoth) {
 }
 
 TEST_F(ReducedMotion, PopAndBounceEndAtOnceAndShakeStaysStill) {
-  Owned<TVWindowFrameRecorder> window([[TVWindowFrameRecorder alloc]
-      initWithContentRect:NSMakeRect(20, 20, 60, 30)
-                styleMask:NSBorderlessWindowMask
-                  backing:NSBackingStoreBuffered
-                    defer:NO]);
-  [window.get() setReleasedWhenClosed:NO];
+  Owned<TVWindowFrameRecorder> window([TVWindowFrameRecorder newBorderlessWithContentRect:NSMakeRect(20, 20, 60, 30)]);
   NSDate *start = [NSDate date];
   [window.get() makeKeyAndOrderFrontWithPopEffect];
   [[window.get() frames] removeAllObjects];

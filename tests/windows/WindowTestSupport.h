@@ -13,6 +13,8 @@
 }
 @property(nonatomic, readonly) NSMutableArray *names;
 - (void)observe:(NSString *)name object:(id)object;
+// The zoom effect's two notifications and the window's resize and move.
+- (void)observeZoomEffectOf:(NSWindow *)window;
 @end
 
 // Records every frame set through -setFrame:display:.
@@ -20,6 +22,8 @@
   NSMutableArray *_frames;
 }
 @property(nonatomic, readonly) NSMutableArray *frames;
+// A borderless recorder, not released when closed (+1).
++ (instancetype)newBorderlessWithContentRect:(NSRect)rect;
 @end
 
 // A view filled with one colour.

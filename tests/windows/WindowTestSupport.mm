@@ -1,5 +1,7 @@
 #import "WindowTestSupport.h"
 
+#import <Talvo/Talvo.h>
+
 #import "windows/VXAnimationWindow+Private.h"
 
 @implementation TVWindowNotificationLog
@@ -27,6 +29,13 @@
                                              object:object];
 }
 
+- (void)observeZoomEffectOf:(NSWindow *)window {
+  [self observe:VXWindowWillStartZoomEffect object:window];
+  [self observe:VXWindowDidEndZoomEffect object:window];
+  [self observe:NSWindowDidResizeNotification object:window];
+  [self observe:NSWindowDidMoveNotification object:window];
+}
+
 - (void)record:(NSNotification *)notification {
   [_names addObject:[notification name]];
 }
@@ -36,6 +45,15 @@
 @implementation TVWindowFrameRecorder
 
 @synthesize frames = _frames;
+
++ (instancetype)newBorderlessWithContentRect:(NSRect)rect {
+  TVWindowFrameRecorder *window = [[self alloc] initWithContentRect:rect
+                                                          styleMask:NSBorderlessWindowMask
+                                                            backing:NSBackingStoreBuffered
+                                                              defer:NO];
+  [window setReleasedWhenClosed:NO];
+  return window;
+}
 
 - (void)dealloc {
   [_frames release];

@@ -15,12 +15,7 @@ class ZoomEffect : public WindowTest {
     if (IsSkipped()) return;
     log_.reset([[TVWindowNotificationLog alloc] init]);
   }
-  void Watch(NSWindow *window) {
-    [log_.get() observe:VXWindowWillStartZoomEffect object:window];
-    [log_.get() observe:VXWindowDidEndZoomEffect object:window];
-    [log_.get() observe:NSWindowDidResizeNotification object:window];
-    [log_.get() observe:NSWindowDidMoveNotification object:window];
-  }
+  void Watch(NSWindow *window) { [log_.get() observeZoomEffectOf:window]; }
   NSArray *Names() { return [log_.get() names]; }
   _VXAnimationWindow *VisibleAnimationWindow() {
     for (NSWindow *window in [NSApp windows]) {
