@@ -7,6 +7,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #import "GraphicsTestSupport.h"
+#import "support/TestSupport.h"
 #import "platform/QuartzCore/TVAnimationClock.h"
 
 #if __has_feature(objc_arc)
@@ -198,21 +199,6 @@
 
 namespace {
 
-void Pump(double seconds = 0.05) {
-  NSDate *until = [NSDate dateWithTimeIntervalSinceNow:seconds];
-  do {
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:0.01]
-                                           inMode:NSDefaultRunLoopMode
-                                          dequeue:YES];
-    if (event != nil) {
-      [NSApp sendEvent:event];
-    }
-    [pool drain];
-  } while ([until timeIntervalSinceNow] > 0);
-}
-
 class TableRowViews : public PooledTest {
  protected:
   void SetUp() override {
@@ -252,7 +238,7 @@ class TableRowViews : public PooledTest {
     [table_.get() setDelegate:source];
     [table_.get() reloadData];
     [table_.get() display];
-    Pump();
+    PumpEvents();
   }
   // The table's pixels, rows from the top (the table is flipped).
   NSBitmapImageRep *NewSnapshot() {
@@ -342,7 +328,7 @@ TEST_F(TableRowViews, SelectionIsKeptInStepByCodeAndByTheMouse) {
                                       pressure:1]
            atStart:NO];
   SendMouseEvent(table_, NSLeftMouseDown, point);
-  Pump();
+  PumpEvents();
   ASSERT_EQ([table_.get() selectedRow], 3);
   EXPECT_TRUE([[table_.get() rowViewAtRow:3 makeIfNecessary:NO] isSelected]);
   EXPECT_FALSE([row2 isSelected]);

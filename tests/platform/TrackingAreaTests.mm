@@ -84,21 +84,6 @@
 
 namespace {
 
-void Pump(double seconds = 0.05) {
-  NSDate *until = [NSDate dateWithTimeIntervalSinceNow:seconds];
-  do {
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:0.01]
-                                           inMode:NSDefaultRunLoopMode
-                                          dequeue:YES];
-    if (event != nil) {
-      [NSApp sendEvent:event];
-    }
-    [pool drain];
-  } while ([until timeIntervalSinceNow] > 0);
-}
-
 class TrackingAreas : public PooledTest {
  protected:
   void SetUp() override {
@@ -120,7 +105,7 @@ class TrackingAreas : public PooledTest {
     view_.reset([[NSView alloc] initWithFrame:NSMakeRect(50, 50, 100, 80)]);
     [[window_.get() contentView] addSubview:view_];
     [window_.get() makeKeyAndOrderFront:nil];
-    Pump();
+    PumpEvents();
   }
   void TearDown() override {
     if (view_.get() != nil) {
@@ -262,7 +247,7 @@ TEST_F(TrackingAreas, ActivityOptionsFollowKeyWindowAndApplicationState) {
                                                         defer:NO]);
   [other.get() setReleasedWhenClosed:NO];
   [other.get() makeKeyAndOrderFront:nil];
-  Pump();
+  PumpEvents();
   ASSERT_FALSE([window_.get() isKeyWindow]);
   Move(kInside);
   Move(kFarOutside);
@@ -272,13 +257,13 @@ TEST_F(TrackingAreas, ActivityOptionsFollowKeyWindowAndApplicationState) {
   EXPECT_EQ([none.get()->_log count], 0u);
 
   [window_.get() makeKeyAndOrderFront:nil];
-  Pump();
+  PumpEvents();
   ASSERT_TRUE([window_.get() isKeyWindow]);
   Move(kInside);
   EXPECT_NSEQ(keyOnly.get()->_log, (@[ @"entered" ]));
   // Losing key status while inside ends the area's hover at the next event.
   [other.get() makeKeyAndOrderFront:nil];
-  Pump();
+  PumpEvents();
   Move(kInsideToo);
   EXPECT_NSEQ(keyOnly.get()->_log, (@[ @"entered", @"exited" ]));
   [other.get() close];
@@ -314,16 +299,16 @@ TEST_F(TrackingAreas, AViewMovingUnderAStillMouseEntersAndExits) {
   AddArea(kEnterExit | NSTrackingInVisibleRect, NSZeroRect, owner);
   Move(NSMakePoint(200, 150));  // outside the view; the mouse stays here
   [view_.get() setFrame:NSMakeRect(180, 130, 50, 50)];
-  Pump();
+  PumpEvents();
   EXPECT_NSEQ(owner.get()->_log, (@[ @"entered" ]));
   [view_.get() setFrameOrigin:NSMakePoint(10, 10)];
-  Pump();
+  PumpEvents();
   EXPECT_NSEQ(owner.get()->_log, (@[ @"entered", @"exited" ]));
   // Hiding counts too.
   [view_.get() setFrameOrigin:NSMakePoint(180, 130)];
-  Pump();
+  PumpEvents();
   [view_.get() setHidden:YES];
-  Pump();
+  PumpEvents();
   EXPECT_NSEQ(owner.get()->_log, (@[ @"entered", @"exited", @"entered", @"exited" ]));
 }
 
@@ -332,14 +317,14 @@ TEST_F(TrackingAreas, UpdateTrackingAreasRunsWhenAViewArrivesOrChangesGeometryOn
   Owned<TVUpdatingView> view([[TVUpdatingView alloc] initWithFrame:NSMakeRect(0, 0, 40, 40)]);
   view.get()->_owner = owner;
   [[window_.get() contentView] addSubview:view];
-  Pump();
+  PumpEvents();
   EXPECT_EQ(view.get()->_updates, 1);
-  Pump();
+  PumpEvents();
   [view.get() setFrame:[view.get() frame]];  // no change
-  Pump();
+  PumpEvents();
   EXPECT_EQ(view.get()->_updates, 1);
   [view.get() setFrameSize:NSMakeSize(60, 60)];
-  Pump();
+  PumpEvents();
   EXPECT_EQ(view.get()->_updates, 2);
   // The area it made in the update covers the new size at once.
   Move(NSMakePoint(55, 55));
@@ -347,7 +332,7 @@ TEST_F(TrackingAreas, UpdateTrackingAreasRunsWhenAViewArrivesOrChangesGeometryOn
   EXPECT_EQ([[view.get() trackingAreas] count], 1u);
   // A superview's move changes where the view is in its window.
   [[window_.get() contentView] setFrameOrigin:NSMakePoint(5, 0)];
-  Pump();
+  PumpEvents();
   EXPECT_EQ(view.get()->_updates, 3);
   [view.get() removeFromSuperview];
 }

@@ -27,8 +27,6 @@
 NSWindow *NewMarkedWindow(NSRect frame, NSColor *fill, NSColor *marker,
                           NSUInteger style = NSBorderlessWindowMask);
 
-// Handles the events queued now and for `seconds` more.
-void PumpEvents(double seconds = 0.05);
 
 // X stacking position of each window among the root's children (bottom =
 // 0), -1 when it is not there.

@@ -49,19 +49,6 @@ NSWindow *NewMarkedWindow(NSRect frame, NSColor *fill, NSColor *marker, NSUInteg
   return window;
 }
 
-void PumpEvents(double seconds) {
-  NSDate *end = [NSDate dateWithTimeIntervalSinceNow:seconds];
-  do {
-    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                        untilDate:end
-                                           inMode:NSDefaultRunLoopMode
-                                          dequeue:YES];
-    if (event != nil) {
-      [NSApp sendEvent:event];
-    }
-  } while ([end timeIntervalSinceNow] > 0);
-}
-
 std::vector<int> XStackingIndexes(NSArray *windows) {
   std::vector<int> indexes([windows count], -1);
   Display *display = (Display *)[GSCurrentServer() serverDevice];

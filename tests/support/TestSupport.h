@@ -48,6 +48,10 @@ bool RunMainLoopUntil(const std::function<bool()> &done, double seconds = 2.0);
 // Whether a window server is there (tests that need one skip without).
 bool HasWindowServer();
 
+// Takes and sends every event that arrives within `seconds` (window-server
+// traffic, synthesized input, queued blocks), each under a pool of its own.
+void PumpEvents(double seconds = 0.05);
+
 // Counts its deallocations into *deaths, so that tests see exactly when an
 // object dies.
 @interface TVDeathWatch : NSObject {

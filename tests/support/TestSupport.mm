@@ -109,3 +109,18 @@ void SendMouseEvent(NSView *view, NSEventType type, NSPoint point) {
   return _interval;
 }
 @end
+
+void PumpEvents(double seconds) {
+  NSDate *end = [NSDate dateWithTimeIntervalSinceNow:seconds];
+  do {
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
+                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:0.01]
+                                           inMode:NSDefaultRunLoopMode
+                                          dequeue:YES];
+    if (event != nil) {
+      [NSApp sendEvent:event];
+    }
+    [pool drain];
+  } while ([end timeIntervalSinceNow] > 0);
+}
