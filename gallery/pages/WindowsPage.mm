@@ -44,6 +44,12 @@
   [[self window] orderOutWithZoomEffectToRect:to];
 }
 
+// The gallery's own "reduceMotion" default: the workspace reads it, and the
+// effects then end at once.
+- (void)reduceMotion:(id)sender {
+  [[NSUserDefaults standardUserDefaults] setBool:[sender state] == NSOnState forKey:@"reduceMotion"];
+}
+
 - (void)pop:(id)sender {
   [[self window] makeKeyAndOrderFrontWithPopEffect];
 }
@@ -285,6 +291,16 @@ static NSImage *WindowsPageCapture(NSWindow *window, BOOL withShadow) {
     [button setAction:actions[i]];
     [page addSubview:button];
   }
+  NSButton *reduce =
+      [[[NSButton alloc] initWithFrame:NSMakeRect(20 + 96 * [titles count], 8, 130, 26)] autorelease];
+  [reduce setButtonType:NSSwitchButton];
+  [reduce setTitle:@"Reduce motion"];
+  [reduce setState:[[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion]
+                       ? NSOnState
+                       : NSOffState];
+  [reduce setTarget:demo];
+  [reduce setAction:@selector(reduceMotion:)];
+  [page addSubview:reduce];
   return page;
 }
 
