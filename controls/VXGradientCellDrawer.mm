@@ -44,16 +44,26 @@ struct Icon {
   double margin;
 };
 
-// The icon's pixels at `fw` x `fh` points. A lone bitmap of exactly that
-// size is its own raster; drawing it (what CGImageForProposedRect does) would
-// go through GNUstep's image cache on the X server and read it back.
+// The icon's pixels at `fw` x `fh` points. An image whose one bitmap is
+// exactly that size is its own raster; drawing it (what
+// CGImageForProposedRect does) would go through GNUstep's image cache on the
+// X server and read it back. The caches GNUstep adds to an image it has
+// drawn do not count as other pictures of it.
 static CGImageRef RasterOf(NSImage *image, CGFloat fw, CGFloat fh, NSGraphicsContext *graphics) {
-  NSArray *reps = [image representations];
-  id rep = [reps count] == 1 ? [reps objectAtIndex:0] : nil;
-  if ([rep isKindOfClass:[NSBitmapImageRep class]] && [rep pixelsWide] == (NSInteger)fw &&
-      [rep pixelsHigh] == (NSInteger)fh && NSEqualSizes([image size], NSMakeSize(fw, fh)) &&
-      NSEqualSizes([rep size], NSMakeSize(fw, fh)) && ![image isFlipped]) {
-    CGImageRef own = [(NSBitmapImageRep *)rep CGImage];
+  NSBitmapImageRep *bitmap = nil;
+  NSUInteger others = 0;
+  for (NSImageRep *rep in [image representations]) {
+    if ([rep isKindOfClass:[NSCachedImageRep class]]) continue;
+    if ([rep isKindOfClass:[NSBitmapImageRep class]] && bitmap == nil) {
+      bitmap = (NSBitmapImageRep *)rep;
+    } else {
+      ++others;
+    }
+  }
+  if (bitmap != nil && others == 0 && [bitmap pixelsWide] == (NSInteger)fw &&
+      [bitmap pixelsHigh] == (NSInteger)fh && NSEqualSizes([image size], NSMakeSize(fw, fh)) &&
+      NSEqualSizes([bitmap size], NSMakeSize(fw, fh)) && ![image isFlipped]) {
+    CGImageRef own = [bitmap CGImage];
     if (own != NULL) return own;
   }
   NSRect proposed = NSMakeRect(0, 0, fw, fh);

@@ -182,3 +182,52 @@ TEST_F(GradientCellDrawerRouteTest, LightEdgeBelowTheIconIsNotCutOff) {
   EXPECT_PIXEL(RepPixel(rep, 30, 14), 255, 255, 255, 255);
   EXPECT_PIXEL(RepPixel(rep, 30, 13), 0, 0, 0, 255);
 }
+
+// An icon that is one bitmap of the drawn size is used as it is, not drawn
+// through GNUstep's image cache: it must still come out upright and in
+// place, before and after GNUstep has drawn (and so cached) the image.
+TEST_F(GradientCellDrawerRouteTest, BitmapIconIsUprightAndInPlaceBeforeAndAfterCaching) {
+  NSBitmapImageRep *rep = [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                                                   pixelsWide:20
+                                                                   pixelsHigh:20
+                                                                bitsPerSample:8
+                                                              samplesPerPixel:4
+                                                                     hasAlpha:YES
+                                                                     isPlanar:NO
+                                                               colorSpaceName:NSDeviceRGBColorSpace
+                                                                  bytesPerRow:20 * 4
+                                                                 bitsPerPixel:32] autorelease];
+  // Opaque black in the top rows 0 ... 5 and the left columns 0 ... 5 (an
+  // upside-down 'L'), clear elsewhere.
+  unsigned char *data = [rep bitmapData];
+  for (int y = 0; y < 20; ++y) {
+    for (int x = 0; x < 20; ++x) {
+      unsigned char *p = data + y * 20 * 4 + x * 4;
+      p[0] = p[1] = p[2] = 0;
+      p[3] = (y < 6 || x < 6) ? 255 : 0;
+    }
+  }
+  NSImage *icon = [[[NSImage alloc] initWithSize:NSMakeSize(20, 20)] autorelease];
+  [icon addRepresentation:rep];
+  Look look = {YES, NO, NO, NO, 0, 0.0, 0.0};
+  // In a flipped view, as controls are: there the drawer's flip sets the
+  // icon upright.
+  Geometry g = {NSMakeRect(10, 10, 40, 30), 1.0, YES};
+  for (int pass = 0; pass < 2; ++pass) {
+    Owned<NSBitmapImageRep> shot(Draw(look, g, icon, [NSColor whiteColor], YES));
+    // The icon spans window columns 20 ... 39 and rows 15 ... 34 from the
+    // bottom. Not the main window: the gray fill at alpha 0.3 over white.
+    Pixel top = RepPixel(shot, 35, 32), left = RepPixel(shot, 22, 17),
+          open = RepPixel(shot, 35, 17);
+    EXPECT_LT(top.r, 250) << "pass " << pass;
+    EXPECT_LT(left.r, 250) << "pass " << pass;
+    EXPECT_PIXEL(open, 255, 255, 255, 255) << "pass " << pass;
+    EXPECT_PIXEL(RepPixel(shot, 35, 35), 255, 255, 255, 255) << "pass " << pass;
+    EXPECT_PIXEL(RepPixel(shot, 19, 20), 255, 255, 255, 255) << "pass " << pass;
+    // GNUstep caches the image in the window server once it draws it.
+    NSWindow *window = Window(NSMakeRect(100, 100, 30, 30));
+    [[window contentView] lockFocus];
+    [icon drawInRect:NSMakeRect(0, 0, 20, 20)];
+    [[window contentView] unlockFocus];
+  }
+}
