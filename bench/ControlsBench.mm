@@ -1,8 +1,11 @@
 // The controls at work: one gradient-cell draw (two offscreen bitmaps and a
 // mask) at a backing scale of 1 and 2, a window of 50 gradient buttons
-// redrawn, and one mouse-moved event dispatched over a window of 200 hover
-// buttons (tracking areas).
+// redrawn (the drawer's icons painted offscreen and laid in as one image,
+// and drawn step by step into the window), and one mouse-moved event
+// dispatched over a window of 200 hover buttons (tracking areas).
 #import <Talvo/Talvo.h>
+
+#import "controls/VXGradientCellDrawer+Private.h"
 
 #include <benchmark/benchmark.h>
 
@@ -136,9 +139,63 @@ void BM_GradientCellParts(benchmark::State &state) {
 }
 BENCHMARK(BM_GradientCellParts)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
 
-// A key window of 50 gradient buttons (10 x 5), every one redrawn.
+// The platform's shadow on its own: the icon drawn with a blurred shadow
+// (blur 4, 2 down) by CGContextDrawImage, range(0): 0 into a window's
+// focused view (an X surface), 1 with a mask clip as well (the drawer's
+// inner shadow), 2 into a bitmap context of the same size (no X server);
+// 3 an AppKit fill (NSRectFillUsingOperation) under the shadow in the
+// window, which the platform draws in an X group and reads back.
+void BM_ShadowedIconDrawn(benchmark::State &state) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  NSWindow *window = NewWindow(NSMakeRect(100, 100, 60, 40));
+  NSView *view = [window contentView];
+  [window orderFront:nil];
+  [view lockFocus];
+  NSGraphicsContext *graphics = [NSGraphicsContext currentContext];
+  NSRect proposed = NSMakeRect(0, 0, 18, 18);
+  CGImageRef raster =
+      CGImageRetain([Icon() CGImageForProposedRect:&proposed context:graphics hints:nil]);
+  CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+  CGContextRef bitmap = CGBitmapContextCreate(NULL, 60, 40, 8, 60 * 4, space,
+                                              kCGImageAlphaPremultipliedLast);
+  CGColorSpaceRelease(space);
+  CGContextRef context = state.range(0) == 2 ? bitmap : (CGContextRef)[graphics graphicsPort];
+  CGColorRef dark = CGColorCreateGenericGray(0, 0.8);
+  for (auto _ : state) {
+    CGContextSaveGState(context);
+    if (state.range(0) == 1) CGContextClipToMask(context, CGRectMake(18, 9, 22, 22), raster);
+    CGContextSetShadowWithColor(context, CGSizeMake(0, -2), 4, dark);
+    if (state.range(0) == 3) {
+      NSRectFillUsingOperation(NSMakeRect(20, 11, 18, 18), NSCompositeSourceOver);
+    } else {
+      CGContextDrawImage(context, CGRectMake(20, 11, 18, 18), raster);
+    }
+    CGContextRestoreGState(context);
+  }
+  CGColorRelease(dark);
+  CGContextRelease(bitmap);
+  CGImageRelease(raster);
+  [view unlockFocus];
+  [window close];
+  [window release];
+  [pool drain];
+}
+BENCHMARK(BM_ShadowedIconDrawn)->DenseRange(0, 3)->Unit(benchmark::kMicrosecond);
+
+// The drawer's route, where the library has the switch (a build from
+// before it runs with LD_LIBRARY_PATH against this benchmark).
+void SetPaintsOffscreen(BOOL offscreen) {
+  if ([VXGradientCellDrawer respondsToSelector:@selector(_setPaintsOffscreenForTesting:)]) {
+    [VXGradientCellDrawer _setPaintsOffscreenForTesting:offscreen];
+  }
+}
+
+// A key window of 50 gradient buttons (10 x 5), every one redrawn;
+// state.range(0): 0 the drawer's icons painted offscreen (the default), 1
+// every step drawn straight into the window.
 void BM_FiftyGradientButtonsRedrawn(benchmark::State &state) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  SetPaintsOffscreen(state.range(0) == 0);
   NSWindow *window = NewWindow(NSMakeRect(100, 100, 400, 200));
   for (int i = 0; i < 50; ++i) {
     VXButton *button =
@@ -165,9 +222,10 @@ void BM_FiftyGradientButtonsRedrawn(benchmark::State &state) {
   state.counters["buttons"] = 50;
   [window close];
   [window release];
+  SetPaintsOffscreen(YES);
   [pool drain];
 }
-BENCHMARK(BM_FiftyGradientButtonsRedrawn)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FiftyGradientButtonsRedrawn)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
 
 // One mouse-moved event dispatched in a window of 200 hover buttons (20 x
 // 10), moving between two buttons so that one exit and one entry fire.

@@ -57,6 +57,16 @@ static void SetArtwork(NSDictionary *artwork, BOOL fromBundle) {
   }
 }
 
+// Stands in for a missing cap. GNUstep's three-part drawing takes the
+// caps' sizes by messaging them, and a message to nil answers no size on
+// this runtime (a struct comes back in registers the nil receiver never
+// sets): the fill then stops short by whatever size was asked before, the
+// other cap's width, leaving a gap at the split. An empty image measures 0.
+static NSImage *NoCap(void) {
+  static NSImage *none = [[NSImage alloc] initWithSize:NSZeroSize];
+  return none;
+}
+
 static BOOL Drawable(NSImage *image) {
   NSSize size = [image size];
   return image != nil && size.width > 0 && size.height > 0;
@@ -92,15 +102,16 @@ static BOOL Drawable(NSImage *image) {
   if ([self isEnabled]) {
     double split = tc::SliderSplit(track.width, [_knobHoverImage size].width, [self doubleValue],
                                    [self maxValue]);
-    NSDrawThreePartImage(NSMakeRect(track.x, track.y, split, track.height), _trackLeftImage,
-                         _trackFillImage, nil, NO, NSCompositeSourceOver, 1.0, flipped);
+    NSDrawThreePartImage(NSMakeRect(track.x, track.y, split, track.height),
+                         _trackLeftImage ?: NoCap(), _trackFillImage, NoCap(), NO,
+                         NSCompositeSourceOver, 1.0, flipped);
     NSDrawThreePartImage(NSMakeRect(track.x + split, track.y, track.width - split, track.height),
-                         nil, _trackFillImageOff, _trackRightImageOff, NO, NSCompositeSourceOver,
-                         1.0, flipped);
+                         NoCap(), _trackFillImageOff, _trackRightImageOff ?: NoCap(), NO,
+                         NSCompositeSourceOver, 1.0, flipped);
   } else {
     NSDrawThreePartImage(NSMakeRect(track.x, track.y, track.width, track.height),
-                         _trackLeftImageOff, _trackFillImageOff, _trackRightImageOff, NO,
-                         NSCompositeSourceOver, 0.8, flipped);
+                         _trackLeftImageOff ?: NoCap(), _trackFillImageOff,
+                         _trackRightImageOff ?: NoCap(), NO, NSCompositeSourceOver, 0.8, flipped);
   }
   [NSGraphicsContext restoreGraphicsState];
 }

@@ -5,6 +5,8 @@
 #import <Talvo/NSImage+FitSize.h>
 #import <Talvo/VXOffscreenDrawing.h>
 
+#import "controls/VXGradientCellDrawer+Private.h"
+
 #include <cmath>
 
 #include "core/controls/ControlGeometry.hpp"
@@ -19,9 +21,53 @@ namespace tc = talvo::controls;
 
 static NSRect ToNSRect(tc::Rect r) { return NSMakeRect(r.x, r.y, r.width, r.height); }
 
+static CGRect ToCGRect(NSRect r) {
+  return CGRectMake(r.origin.x, r.origin.y, r.size.width, r.size.height);
+}
+
 static BOOL FiniteRect(NSRect r) {
   return std::isfinite(r.origin.x) && std::isfinite(r.origin.y) && std::isfinite(r.size.width) &&
          std::isfinite(r.size.height);
+}
+
+static BOOL paintsOffscreen = YES;
+
+// What one draw paints: the icon's raster and mask and where they go.
+struct Icon {
+  CGImageRef raster;
+  CGImageRef mask;
+  NSRect imageRect;
+  NSRect outerRect;
+  CGRect inner;  // the icon in the offscreen bitmaps
+  CGRect whole;  // the offscreen bitmaps' extent
+  CGFloat frameHeight;
+  double margin;
+};
+
+// The icon's pixels at `fw` x `fh` points. An image whose one bitmap is
+// exactly that size is its own raster; drawing it (what
+// CGImageForProposedRect does) would go through GNUstep's image cache on the
+// X server and read it back. The caches GNUstep adds to an image it has
+// drawn do not count as other pictures of it.
+static CGImageRef RasterOf(NSImage *image, CGFloat fw, CGFloat fh, NSGraphicsContext *graphics) {
+  NSBitmapImageRep *bitmap = nil;
+  NSUInteger others = 0;
+  for (NSImageRep *rep in [image representations]) {
+    if ([rep isKindOfClass:[NSCachedImageRep class]]) continue;
+    if ([rep isKindOfClass:[NSBitmapImageRep class]] && bitmap == nil) {
+      bitmap = (NSBitmapImageRep *)rep;
+    } else {
+      ++others;
+    }
+  }
+  if (bitmap != nil && others == 0 && [bitmap pixelsWide] == (NSInteger)fw &&
+      [bitmap pixelsHigh] == (NSInteger)fh && NSEqualSizes([image size], NSMakeSize(fw, fh)) &&
+      NSEqualSizes([bitmap size], NSMakeSize(fw, fh)) && ![image isFlipped]) {
+    CGImageRef own = [bitmap CGImage];
+    if (own != NULL) return own;
+  }
+  NSRect proposed = NSMakeRect(0, 0, fw, fh);
+  return [image CGImageForProposedRect:&proposed context:graphics hints:nil];
 }
 
 @implementation VXGradientCellDrawer
@@ -110,8 +156,7 @@ static BOOL FiniteRect(NSRect r) {
   CGFloat fw = imageRect.size.width;
   CGFloat fh = imageRect.size.height;
 
-  NSRect proposed = NSMakeRect(0, 0, fw, fh);
-  CGImageRef raster = [image CGImageForProposedRect:&proposed context:graphics hints:nil];
+  CGImageRef raster = RasterOf(image, fw, fh, graphics);
   if (raster == NULL) return;
 
   // The mask: the icon dark on white, with a white margin.
@@ -132,8 +177,85 @@ static BOOL FiniteRect(NSRect r) {
   CGImageRelease(source);
   if (mask == NULL) return;
 
+  Icon icon = {raster, mask, imageRect, outerRect, inner, whole, frame.size.height, margin};
+  @try {
+    if (![self _paintOffscreen:icon graphics:graphics context:context]) {
+      [self _paint:icon context:context];
+    }
+  } @finally {
+    CGImageRelease(mask);
+  }
+}
+
+// A window's surface lives on the X server, where each group, mask and
+// image of the layers below costs a round trip: the icon is painted in
+// memory, in the window's device pixels, and laid onto it with one image.
+// Only for an upright transform (no rotation), whose device pixels an
+// offscreen bitmap can share. Its operations all composite over, so laying
+// them in together is laying them in one by one.
+- (BOOL)_paintOffscreen:(const Icon &)icon
+               graphics:(NSGraphicsContext *)graphics
+                context:(CGContextRef)context {
+  if (!paintsOffscreen) return NO;
+  CGAffineTransform ctm = CGContextGetCTM(context);
+  if (ctm.b != 0.0 || ctm.c != 0.0 || !(ctm.a != 0.0) || !(ctm.d != 0.0)) return NO;
+  CGAffineTransform flip = CGAffineTransformMake(1, 0, 0, -1, 0, icon.frameHeight);
+  // The outer rect holds every operation but the light edge, one pixel
+  // below the image; two more for antialiasing.
+  CGRect device =
+      CGRectApplyAffineTransform(ToCGRect(icon.outerRect), CGAffineTransformConcat(flip, ctm));
+  device = CGRectIntegral(CGRectInset(device, -3, -3));
+  if (!FiniteRect(
+          NSMakeRect(device.origin.x, device.origin.y, device.size.width, device.size.height)) ||
+      device.size.width > 4096 || device.size.height > 4096 || device.size.width < 1 ||
+      device.size.height < 1) {
+    return NO;
+  }
+  size_t width = (size_t)device.size.width, height = (size_t)device.size.height;
+  CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+  // cairo's own pixel layout: nothing to convert on either side.
+  CGContextRef bitmap =
+      CGBitmapContextCreate(NULL, width, height, 8, 4 * width, space,
+                            kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little);
+  CGColorSpaceRelease(space);
+  if (bitmap == NULL) return NO;
+  CGImageRef painted = NULL;
+  [NSGraphicsContext saveGraphicsState];
+  @try {
+    NSGraphicsContext *offscreen =
+        [NSGraphicsContext graphicsContextWithGraphicsPort:bitmap flipped:[graphics isFlipped]];
+    if (offscreen != nil) {
+      [NSGraphicsContext setCurrentContext:offscreen];
+      // User space as in the window, shifted to the bitmap's corner.
+      CGContextTranslateCTM(bitmap, -device.origin.x, -device.origin.y);
+      CGContextConcatCTM(bitmap, ctm);
+      [self _paint:icon context:bitmap];
+      painted = CGBitmapContextCreateImage(bitmap);
+    }
+  } @finally {
+    [NSGraphicsContext restoreGraphicsState];
+    CGContextRelease(bitmap);
+  }
+  if (painted == NULL) return NO;
   CGContextSaveGState(context);
-  CGContextConcatCTM(context, CGAffineTransformMake(1, 0, 0, -1, 0, frame.size.height));
+  CGContextConcatCTM(context, CGAffineTransformInvert(ctm));
+  CGContextDrawImage(context, device, painted);
+  CGContextRestoreGState(context);
+  CGImageRelease(painted);
+  return YES;
+}
+
+// Steps from the flip on, in `context`, its state saved and restored.
+- (void)_paint:(const Icon &)icon context:(CGContextRef)context {
+  CGImageRef raster = icon.raster;
+  CGRect inner = icon.inner;
+  CGRect whole = icon.whole;
+  NSRect imageRect = icon.imageRect;
+  NSRect outerRect = icon.outerRect;
+  double margin = icon.margin;
+
+  CGContextSaveGState(context);
+  CGContextConcatCTM(context, CGAffineTransformMake(1, 0, 0, -1, 0, icon.frameHeight));
 
   if (_mainWindowDrawing) {
     CGContextSetAlpha(context, _enabledDrawing ? 1.0 : 0.3);
@@ -147,8 +269,7 @@ static BOOL FiniteRect(NSRect r) {
     CGContextSetAlpha(context, 0.3);
   }
 
-  CGContextClipToMask(context, outerRect, mask);
-  CGImageRelease(mask);
+  CGContextClipToMask(context, outerRect, icon.mask);
 
   if (_drawingState == 1 && _onGradient != nil) {
     [_onGradient drawInRect:imageRect angle:90.0];
@@ -187,6 +308,14 @@ static BOOL FiniteRect(NSRect r) {
   }
 
   CGContextRestoreGState(context);
+}
+
+@end
+
+@implementation VXGradientCellDrawer (Private)
+
++ (void)_setPaintsOffscreenForTesting:(BOOL)offscreen {
+  paintsOffscreen = offscreen;
 }
 
 @end

@@ -52,7 +52,10 @@ static BOOL TVSliderOrientationKnown(NSSliderCell *cell) {
 // for the orientation: the stock knob, stretched across the track.
 static void TVSliderSetKnobImage(NSSliderCell *cell, BOOL vertical, NSRect track) {
   NSCell *knobCell = IvarRef<NSCell *>(cell, "_knobCell");
-  NSImage *image = [NSImage imageNamed:vertical ? @"common_SliderVert" : @"common_SliderHoriz"];
+  // A copy: the named image is shared, and another slider's thickness
+  // would otherwise become this one's.
+  NSImage *image = [[[NSImage imageNamed:vertical ? @"common_SliderVert" : @"common_SliderHoriz"]
+      copy] autorelease];
   if (image != nil) {
     NSSize size = [image size];
     [image setScalesWhenResized:YES];

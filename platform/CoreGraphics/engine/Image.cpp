@@ -296,6 +296,30 @@ cairo_surface_t* Image::cairoSurface(bool swapRedBlue) const {
     size_t nc = f.colorComponents();
     bool alpha = f.hasAlpha(), premul = f.alphaIsPremultiplied();
     size_t aSlot = alphaSlot(f);
+    if (!isMask_ && nc == 3 && f.bitsPerComponent == 8 && f.bitsPerPixel == 32) {
+        // The usual bitmaps: the arithmetic below, with the byte offsets
+        // worked out once instead of per sample.
+        bool little = f.byteOrder() == kByteOrder32Little;
+        auto at = [little](size_t slot) { return little ? 3 - slot : slot; };
+        size_t ia = at(aSlot), ir = at(colorSlot(f, 0)), ig = at(colorSlot(f, 1)), ib = at(colorSlot(f, 2));
+        for (int y = 0; y < h; ++y) {
+            const uint8_t* in = bytes_.data() + static_cast<size_t>(y) * f.bytesPerRow;
+            uint32_t* px = reinterpret_cast<uint32_t*>(out + y * stride);
+            for (int x = 0; x < w; ++x, in += 4) {
+                unsigned a = alpha ? in[ia] : 255, r = in[ir], g = in[ig], b = in[ib];
+                if (premul) {
+                    r = std::min(r, a), g = std::min(g, a), b = std::min(b, a);
+                } else if (a != 255) {
+                    r = premultiply(r, a), g = premultiply(g, a), b = premultiply(b, a);
+                }
+                if (swapRedBlue) std::swap(r, b);
+                px[x] = (a << 24) | (r << 16) | (g << 8) | b;
+            }
+        }
+        cairo_surface_mark_dirty(s);
+        cache = s;
+        return cache;
+    }
     for (int y = 0; y < h; ++y) {
         uint32_t* px = reinterpret_cast<uint32_t*>(out + y * stride);
         for (int x = 0; x < w; ++x) {
