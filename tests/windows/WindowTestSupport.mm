@@ -109,18 +109,7 @@ void WindowTest::TearDown() {
   AnimationTest::TearDown();
 }
 
-void WindowTest::Pump(double seconds) {
-  NSDate *until = [NSDate dateWithTimeIntervalSinceNow:seconds];
-  do {
-    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:0.005]
-                                           inMode:NSDefaultRunLoopMode
-                                          dequeue:YES];
-    if (event != nil) {
-      [NSApp sendEvent:event];
-    }
-  } while ([until timeIntervalSinceNow] > 0);
-}
+void WindowTest::Pump(double seconds) { PumpEvents(seconds); }
 
 bool WindowTest::AnimationWindowOnScreen() {
   for (NSWindow *window in [NSApp windows]) {

@@ -282,6 +282,23 @@ unsigned Image::sample(size_t x, size_t y, size_t slot) const {
     return v * 255 / maxv;
 }
 
+namespace {
+
+// One pixel in cairo's ARGB32: premultiplied (clamped to alpha when it
+// already is), red and blue swapped when asked.
+inline uint32_t PackARGB(unsigned a, unsigned r, unsigned g, unsigned b, bool premultiplied,
+                         bool swapRedBlue) {
+    if (premultiplied) {
+        r = std::min(r, a), g = std::min(g, a), b = std::min(b, a);
+    } else if (a != 255) {
+        r = premultiply(r, a), g = premultiply(g, a), b = premultiply(b, a);
+    }
+    if (swapRedBlue) std::swap(r, b);
+    return (a << 24) | (r << 16) | (g << 8) | b;
+}
+
+}  // namespace
+
 cairo_surface_t* Image::cairoSurface(bool swapRedBlue) const {
     std::lock_guard<std::mutex> lock(cacheLock_);
     cairo_surface_t*& cache = swapRedBlue ? argbSwapped_ : argb_;
@@ -306,14 +323,7 @@ cairo_surface_t* Image::cairoSurface(bool swapRedBlue) const {
             const uint8_t* in = bytes_.data() + static_cast<size_t>(y) * f.bytesPerRow;
             uint32_t* px = reinterpret_cast<uint32_t*>(out + y * stride);
             for (int x = 0; x < w; ++x, in += 4) {
-                unsigned a = alpha ? in[ia] : 255, r = in[ir], g = in[ig], b = in[ib];
-                if (premul) {
-                    r = std::min(r, a), g = std::min(g, a), b = std::min(b, a);
-                } else if (a != 255) {
-                    r = premultiply(r, a), g = premultiply(g, a), b = premultiply(b, a);
-                }
-                if (swapRedBlue) std::swap(r, b);
-                px[x] = (a << 24) | (r << 16) | (g << 8) | b;
+                px[x] = PackARGB(alpha ? in[ia] : 255, in[ir], in[ig], in[ib], premul, swapRedBlue);
             }
         }
         cairo_surface_mark_dirty(s);
@@ -323,26 +333,19 @@ cairo_surface_t* Image::cairoSurface(bool swapRedBlue) const {
     for (int y = 0; y < h; ++y) {
         uint32_t* px = reinterpret_cast<uint32_t*>(out + y * stride);
         for (int x = 0; x < w; ++x) {
-            unsigned a = 255, r = 0, g = 0, b = 0;
             if (isMask_) {
-                a = 255 - sample(x, y, 0);
-            } else {
-                if (alpha) a = sample(x, y, aSlot);
-                if (nc == 3) {
-                    r = sample(x, y, colorSlot(f, 0));
-                    g = sample(x, y, colorSlot(f, 1));
-                    b = sample(x, y, colorSlot(f, 2));
-                } else if (nc == 1) {
-                    r = g = b = sample(x, y, colorSlot(f, 0));
-                }
-                if (premul) {
-                    r = std::min(r, a), g = std::min(g, a), b = std::min(b, a);
-                } else if (a != 255) {
-                    r = premultiply(r, a), g = premultiply(g, a), b = premultiply(b, a);
-                }
+                px[x] = (255u - sample(x, y, 0)) << 24;  // black, the mask's coverage as alpha
+                continue;
             }
-            if (swapRedBlue) std::swap(r, b);
-            px[x] = (a << 24) | (r << 16) | (g << 8) | b;
+            unsigned a = alpha ? sample(x, y, aSlot) : 255, r = 0, g = 0, b = 0;
+            if (nc == 3) {
+                r = sample(x, y, colorSlot(f, 0));
+                g = sample(x, y, colorSlot(f, 1));
+                b = sample(x, y, colorSlot(f, 2));
+            } else if (nc == 1) {
+                r = g = b = sample(x, y, colorSlot(f, 0));
+            }
+            px[x] = PackARGB(a, r, g, b, premul, swapRedBlue);
         }
     }
     cairo_surface_mark_dirty(s);
