@@ -32,6 +32,7 @@
 #import <AppKit/NSTableRowView.h>
 #import <AppKit/NSImage+TalvoTemplate.h>
 #import <AppKit/NSWorkspace+TalvoAccessibility.h>
+#import <AppKit/NSBundle+TalvoNibLoading.h>
 #import <AppKit/NSBundle+TalvoImages.h>
 #import <AppKit/NSCell+TalvoPlatform.h>
 #import <AppKit/NSScroller+TalvoPlatform.h>
