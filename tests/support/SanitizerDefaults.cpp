@@ -19,7 +19,8 @@ extern "C" const char *__lsan_default_suppressions() {
          // loaded objects outlive every release of the top-level objects it
          // hands over (seen loading both test fixtures).
          "leak:ControlsNibTest\n"
-         "leak:_c_NSBundle_ObjectLoader_loadObjectOfKind_fromNibFile_\n";
+         "leak:_c_NSBundle_ObjectLoader_loadObjectOfKind_fromNibFile_\n"
+         "leak:_i_NSBundle_TalvoNibLoading_loadNibNamed_owner_topLevelObjects_\n";
 }
 
 extern "C" const char *__asan_default_options() {
