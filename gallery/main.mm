@@ -44,6 +44,54 @@ static void PumpEvents(NSTimeInterval seconds) {
   }
 }
 
+// A window's bounds as the window list gives them (top-left origin).
+static BOOL WindowBounds(NSWindow *window, CGRect *bounds) {
+  NSArray *numbers = [NSArray arrayWithObject:[NSNumber numberWithInteger:[window windowNumber]]];
+  NSArray *list = [(NSArray *)CGWindowListCreateDescriptionFromArray((CFArrayRef)numbers) autorelease];
+  NSDictionary *description = [list count] > 0 ? [list objectAtIndex:0] : nil;
+  id rect = [description objectForKey:(NSString *)kCGWindowBounds];
+  return rect != nil && CGRectMakeWithDictionaryRepresentation((CFDictionaryRef)rect, bounds);
+}
+
+// The page's picture with the child windows it opened (a popup) laid over
+// it where they stand, taken from their own back buffers.
+static NSBitmapImageRep *WithChildWindows(NSBitmapImageRep *rep, NSWindow *window) {
+  CGRect page;
+  CGImageRef base = [rep CGImage];
+  if ([[window childWindows] count] == 0 || base == NULL || !WindowBounds(window, &page) ||
+      page.size.width <= 0) {
+    return rep;
+  }
+  size_t width = CGImageGetWidth(base), height = CGImageGetHeight(base);
+  double perUnit = width / page.size.width;
+  CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+  CGContextRef c = CGBitmapContextCreate(NULL, width, height, 8, 0, space,
+                                         kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little);
+  CGColorSpaceRelease(space);
+  if (c == NULL) return rep;
+  CGContextDrawImage(c, CGRectMake(0, 0, width, height), base);
+  for (NSWindow *child in [window childWindows]) {
+    CGRect bounds;
+    if (![child isVisible] || !WindowBounds(child, &bounds)) continue;
+    NSArray *numbers = [NSArray arrayWithObject:[NSNumber numberWithInteger:[child windowNumber]]];
+    CGImageRef picture = CGWindowListCreateImageFromArray(bounds, (CFArrayRef)numbers,
+                                                          kCGWindowImageBoundsIgnoreFraming);
+    if (picture == NULL) continue;
+    // Top-left window-list units to the bitmap's bottom-left pixels.
+    double x = (bounds.origin.x - page.origin.x) * perUnit;
+    double top = (bounds.origin.y - page.origin.y) * perUnit;
+    double h = CGImageGetHeight(picture);
+    CGContextDrawImage(c, CGRectMake(x, height - top - h, CGImageGetWidth(picture), h), picture);
+    CGImageRelease(picture);
+  }
+  CGImageRef composed = CGBitmapContextCreateImage(c);
+  CGContextRelease(c);
+  if (composed == NULL) return rep;
+  NSBitmapImageRep *result = [[[NSBitmapImageRep alloc] initWithCGImage:composed] autorelease];
+  CGImageRelease(composed);
+  return result != nil ? result : rep;
+}
+
 static BOOL RenderPage(id<GalleryPage> page, NSString *directory, int scale) {
   BOOL rendered = NO;
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
@@ -65,6 +113,11 @@ static BOOL RenderPage(id<GalleryPage> page, NSString *directory, int scale) {
     NSBitmapImageRep *rep =
         [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
     [view unlockFocus];
+    // At 2x GNUstep keeps window frames in device pixels, and a popup sized
+    // from its content comes out half size there: only the 1x page shows it.
+    if (scale == 1) {
+      rep = WithChildWindows(rep, window);
+    }
     NSString *path = [directory stringByAppendingPathComponent:
                                     [NSString stringWithFormat:@"%@@%dx.png", [page identifier], scale]];
     if (rep == nil || IsBlank(rep)) {
