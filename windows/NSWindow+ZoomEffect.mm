@@ -29,6 +29,14 @@ static CAKeyframeAnimation *TVAlphaKeyframes(double middleTime, double first, do
   return animation;
 }
 
+static void TVShow(NSWindow *window, BOOL makeKey) {
+  if (makeKey) {
+    [window makeKeyAndOrderFront:nil];
+  } else {
+    [window orderFront:nil];
+  }
+}
+
 static void TVPost(NSString *name, NSWindow *window) {
   [[NSNotificationCenter defaultCenter] postNotificationName:name object:window];
 }
@@ -116,11 +124,7 @@ static void TVPostEndLater(NSWindow *window) {
     if (([window styleMask] & NSTitledWindowMask) != 0) {
       [window setAlphaValue:1.0];
     }
-    if (makeKey) {
-      [window makeKeyAndOrderFront:nil];
-    } else {
-      [window orderFront:nil];
-    }
+    TVShow(window, makeKey);
     TVSetAnimationBehavior(window, savedBehavior);
     TVPostEndLater(window);
     return;
@@ -155,11 +159,7 @@ static void TVPostEndLater(NSWindow *window) {
         completionHandler:^{
           if (([window styleMask] & NSTitledWindowMask) == 0) {
             [animationWindow orderOut:nil];
-            if (makeKey) {
-              [window makeKeyAndOrderFront:nil];
-            } else {
-              [window orderFront:nil];
-            }
+            TVShow(window, makeKey);
             TVPost(VXWindowDidEndZoomEffect, window);
             return;
           }
@@ -170,11 +170,7 @@ static void TVPostEndLater(NSWindow *window) {
           [imageView setFrame:TVRectInPoints(window,
                                              [window _transposedRectInScreen:[window frame]])];
           [window setAlphaValue:0.5];
-          if (makeKey) {
-            [window makeKeyAndOrderFront:nil];
-          } else {
-            [window orderFront:nil];
-          }
+          TVShow(window, makeKey);
           [NSAnimationContext
               runAnimationGroup:^(NSAnimationContext *fade) {
                 [fade setDuration:0.1];

@@ -145,7 +145,7 @@ int ValueComponents(id value, double out[4]) {
 }  // namespace
 
 @interface CALayer () <_TVAnimationHost>
-- (void)_tv_setFilter:(NSString **)slot to:(NSString *)filter;
+- (void)_tv_setName:(NSString **)slot to:(NSString *)name fallback:(NSString *)fallback;
 @end
 
 @implementation CALayer
@@ -318,15 +318,7 @@ int ValueComponents(id value, double out[4]) {
 }
 
 - (void)setContentsGravity:(NSString *)gravity {
-  if (![gravity isKindOfClass:[NSString class]]) {
-    gravity = kCAGravityResize;
-  }
-  NSString *old = _contentsGravity;
-  _contentsGravity = [gravity copy];
-  [old release];
-  if (_modelLayer == nil) {
-    TVLayerChanged(self);
-  }
+  [self _tv_setName:&_contentsGravity to:gravity fallback:kCAGravityResize];
 }
 
 // Unknown values are kept as given (Core Animation keeps them) and sample
@@ -336,7 +328,7 @@ int ValueComponents(id value, double out[4]) {
 }
 
 - (void)setMinificationFilter:(NSString *)filter {
-  [self _tv_setFilter:&_minificationFilter to:filter];
+  [self _tv_setName:&_minificationFilter to:filter fallback:kCAFilterLinear];
 }
 
 - (NSString *)magnificationFilter {
@@ -344,15 +336,16 @@ int ValueComponents(id value, double out[4]) {
 }
 
 - (void)setMagnificationFilter:(NSString *)filter {
-  [self _tv_setFilter:&_magnificationFilter to:filter];
+  [self _tv_setName:&_magnificationFilter to:filter fallback:kCAFilterLinear];
 }
 
-- (void)_tv_setFilter:(NSString **)slot to:(NSString *)filter {
-  if (![filter isKindOfClass:[NSString class]]) {
-    filter = kCAFilterLinear;
+// A named setting (gravity, filter): anything but a string is `fallback`.
+- (void)_tv_setName:(NSString **)slot to:(NSString *)name fallback:(NSString *)fallback {
+  if (![name isKindOfClass:[NSString class]]) {
+    name = fallback;
   }
   NSString *old = *slot;
-  *slot = [filter copy];
+  *slot = [name copy];
   [old release];
   if (_modelLayer == nil) {
     TVLayerChanged(self);
