@@ -1,6 +1,7 @@
 #import <Talvo/VXPopoverViewsSegmentedControl.h>
 
 #import <Talvo/VXBottomPopupWindow.h>
+#import "windows/TVWindowGeometry+Private.h"
 
 #include <cmath>
 #include <vector>
@@ -212,8 +213,11 @@ static NSString *SegmentKey(NSInteger segment) {
   NSInteger count = [self segmentCount];
   std::vector<double> widths;
   for (NSInteger i = 0; i < count; ++i) widths.push_back([self widthForSegment:i]);
-  double x = talvo::controls::SegmentPopupX(screen.origin.x, size.width, widths,
-                                            (long)[self selectedSegment]);
+  // Segment widths are in points, screen rects in frame units (device
+  // pixels on GNUstep at 2x): place in points, then scale back.
+  double k = TVFrameUnitsPerPoint(window);
+  double x = k * talvo::controls::SegmentPopupX(screen.origin.x / k, size.width / k, widths,
+                                                (long)[self selectedSegment]);
   double y = screen.origin.y - size.height;
   return NSMakeRect(x, y, size.width, size.height);
 }

@@ -113,11 +113,7 @@ static BOOL RenderPage(id<GalleryPage> page, NSString *directory, int scale) {
     NSBitmapImageRep *rep =
         [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
     [view unlockFocus];
-    // At 2x GNUstep keeps window frames in device pixels, and a popup sized
-    // from its content comes out half size there: only the 1x page shows it.
-    if (scale == 1) {
-      rep = WithChildWindows(rep, window);
-    }
+    rep = WithChildWindows(rep, window);
     NSString *path = [directory stringByAppendingPathComponent:
                                     [NSString stringWithFormat:@"%@@%dx.png", [page identifier], scale]];
     if (rep == nil || IsBlank(rep)) {

@@ -2,6 +2,7 @@
 
 #import "support/TalvoLook.h"
 #import "support/TalvoMRC.h"
+#import "windows/TVWindowGeometry+Private.h"
 #import "windows/TVWindowPlatform+Private.h"
 
 #if __has_feature(objc_arc)
@@ -126,7 +127,11 @@ static const NSUInteger kFullSizeContentViewMask = 1 << 15;
 }
 
 - (NSRect)frameRectForContentRect:(NSRect)contentRect {
-  contentRect.size.height += _contentTopMargin;
+  // The margin is in points; GNUstep at 2x keeps frame sizes in device
+  // pixels (and the origin as given), so the size is scaled the same way.
+  double scale = TVFrameUnitsPerPoint(self);
+  contentRect.size.width *= scale;
+  contentRect.size.height = (contentRect.size.height + _contentTopMargin) * scale;
   return contentRect;
 }
 

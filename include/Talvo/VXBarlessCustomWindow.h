@@ -32,7 +32,9 @@ NS_ASSUME_NONNULL_BEGIN
 /** Makes the frame view once, sized like the window's frame. */
 - (void)_initFrameView;
 
-/** The rect with its height grown by contentTopMargin. */
+/** The rect with its height grown by contentTopMargin. On GNUstep under
+ *  -GSScaleFactor 2, where window frames are in device pixels, the size is
+ *  then scaled to them as NSWindow's own conversion does. */
 - (NSRect)frameRectForContentRect:(NSRect)contentRect;
 
 @end

@@ -112,12 +112,16 @@ TEST_F(PopoverSegmentedControlTest, PopupHangsUnderTheSelectedSegmentsCentre) {
     double centre;
     double width;
   } cases[] = {{0, 30 + 2, 100}, {1, 60 + 35 + 4, 120}};
+  // Frames are in device pixels on GNUstep at 2x (the test also runs in the
+  // 2x child process); the popup must still be as many points wide as its view.
+  double k = [window_ userSpaceScaleFactor];
   for (auto c : cases) {
     Show(c.segment);
     ASSERT_TRUE(Shown()) << c.segment;
     NSRect frame = [[control_ _popoverWindow] frame];
-    EXPECT_NEAR(frame.size.width, c.width, 0.5) << c.segment;
-    EXPECT_NEAR(NSMidX(frame), control.origin.x + c.centre, 0.5) << c.segment;
+    EXPECT_NEAR(frame.size.width, c.width * k, 0.5) << c.segment;
+    EXPECT_NEAR(frame.size.height, (50 + 5) * k, 0.5) << "the view and the 5-point margin";
+    EXPECT_NEAR(NSMidX(frame), control.origin.x + c.centre * k, 0.5) << c.segment;
     EXPECT_NEAR(NSMaxY(frame), control.origin.y, 0.5) << c.segment;
     EXPECT_EQ([[control_ _popoverWindow] parentWindow], window_);
     EXPECT_TRUE([control_ _isWatching]);
@@ -125,7 +129,7 @@ TEST_F(PopoverSegmentedControlTest, PopupHangsUnderTheSelectedSegmentsCentre) {
   // The last segment's pad is 6.
   [control_ setSelectedSegment:2];
   EXPECT_NEAR(NSMidX([control_ _popupFrameForSize:NSMakeSize(40, 10)]) - 0,
-              control.origin.x + 130 + 40 + 6, 0.5);
+              control.origin.x + (130 + 40 + 6) * k, 0.5);
 }
 
 TEST_F(PopoverSegmentedControlTest, SegmentWithoutAViewDismissesAndShowsNothing) {
