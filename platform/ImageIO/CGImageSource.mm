@@ -11,6 +11,7 @@
 
 #include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
+#import "platform/ImageIO/TVPropertyDictionary.h"
 #import "platform/objc/TVRuntime.h"
 
 #if __has_feature(objc_arc)
@@ -132,12 +133,20 @@ CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef option
   if (![u isKindOfClass:URLClass()] || ![u isFileURL]) return NULL;
   NSString *path = [u path];
   if ([path length] == 0) return NULL;
-  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC);
+  // Non-blocking, so that a FIFO named like an image cannot hang the
+  // caller. The header is read before any fstat, with reads stopping where
+  // the file ends: only a file that is not an image is asked whether it is
+  // a regular file at all (a source over a non-image file has no images; a
+  // directory or a device has no source).
+  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return NULL;
+  _TVImageSource *source = [[SourceClass() alloc] initWithPath:path
+                                                          file:fd
+                                                          size:io::FileSource::kUnknownSize];
   struct stat info;
-  _TVImageSource *source = nil;
-  if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode)) {
-    source = [[SourceClass() alloc] initWithPath:path file:fd size:size_t(info.st_size)];
+  if ([source header] == NULL && (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))) {
+    [source release];
+    source = nil;
   }
   close(fd);
   return (CGImageSourceRef)source;
@@ -205,9 +214,9 @@ CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef ref, size_t 
     add(kCGImagePropertyDPIWidth, [number numberWithDouble:header->dpiWidth]);
     add(kCGImagePropertyDPIHeight, [number numberWithDouble:header->dpiHeight]);
   }
-  NSDictionary *properties =
-      [[TVCachedClass(NSDictionary) alloc] initWithObjects:values forKeys:keys count:count];
-  return (CFDictionaryRef)properties;
+  return (CFDictionaryRef)[TVCachedClass(_TVPropertyDictionary) newWithObjects:values
+                                                                       forKeys:keys
+                                                                         count:count];
 }
 
 CGImageRef CGImageSourceCreateImageAtIndex(CGImageSourceRef ref, size_t index,

@@ -2,6 +2,9 @@
 // headers laid out by hand: sizes, orientation, resolution, alpha, image
 // counts, and no read past the end of any prefix of a file.
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 #include "tests/engines/ImageHeaderFixtures.hpp"
@@ -184,4 +187,39 @@ TEST(ImageHeader, CompleteFilesToldFromFilesCutShort) {
   padded.insert(padded.end(), 10, 0);
   talvo::imageio::MemorySource source(padded.data(), padded.size());
   EXPECT_TRUE(talvo::imageio::LooksComplete(source, Read(padded)));
+}
+
+// A file read without asking its size first reads as its bytes do: the same
+// header, and a file cut short refused where its bytes would be.
+TEST(ImageHeader, FileOfUnknownSizeReadsAsItsBytes) {
+  using talvo::imageio::FileSource;
+  fx::Picture picture = fx::SplitPicture(40, 30);
+  fx::Bytes jpeg = fx::JPEG(picture, 6, 144, false, 60000);  // frame header past 60 KB
+  fx::Bytes files[] = {fx::PNG(picture),         jpeg,
+                       fx::GIF(40, 30, {{0, 0, 2, 2, {0, 1, 2, 3}}}),
+                       fx::BMP(picture, 24),     fx::TIFF(picture, true, 2, 6, 72),
+                       fx::WebPLossy(picture, true)};
+  char path[] = "/tmp/talvo-header-XXXXXX";
+  int fd = mkstemp(path);
+  ASSERT_GE(fd, 0);
+  unlink(path);
+  for (const fx::Bytes &whole : files) {
+    for (size_t length : {whole.size(), size_t(20), whole.size() / 2}) {
+      fx::Bytes bytes(whole.begin(), whole.begin() + long(length));
+      ASSERT_EQ(ftruncate(fd, 0), 0);
+      ASSERT_EQ(pwrite(fd, bytes.data(), bytes.size(), 0), ssize_t(bytes.size()));
+      HeaderInfo fromBytes, fromFile;
+      bool bytesOK = ReadHeader(bytes.data(), bytes.size(), &fromBytes);
+      FileSource file(fd, FileSource::kUnknownSize);
+      bool fileOK = ReadHeader(file, &fromFile, false);
+      SCOPED_TRACE(::testing::Message() << int(fromBytes.format) << " " << length << " bytes");
+      EXPECT_EQ(fileOK, bytesOK);
+      EXPECT_EQ(fromFile.format, fromBytes.format);
+      EXPECT_EQ(fromFile.width, fromBytes.width);
+      EXPECT_EQ(fromFile.height, fromBytes.height);
+      EXPECT_EQ(fromFile.orientation, fromBytes.orientation);
+      EXPECT_EQ(fromFile.dpiWidth, fromBytes.dpiWidth);
+    }
+  }
+  close(fd);
 }

@@ -42,6 +42,20 @@ TEST_F(ImageLoadingPlatform, ImageSourcePropertiesFromTheHeader) {
   EXPECT_NSEQ([properties objectForKey:(NSString *)kCGImagePropertyOrientation], @6);
   EXPECT_EQ([[properties objectForKey:(NSString *)kCGImagePropertyDPIWidth] doubleValue], 144.0);
   EXPECT_FALSE([[properties objectForKey:(NSString *)kCGImagePropertyHasAlpha] boolValue]);
+  // The properties behave as any dictionary: equality, enumeration, copies.
+  NSDictionary *expected = @{@"PixelWidth" : @40, @"PixelHeight" : @30, @"HasAlpha" : [NSNumber numberWithBool:NO],
+                             @"Orientation" : @6, @"DPIWidth" : @144.0, @"DPIHeight" : @144.0};
+  EXPECT_NSEQ(properties, expected);
+  EXPECT_NSEQ(expected, properties);
+  NSMutableSet *keys = [NSMutableSet set];
+  for (id key in properties) [keys addObject:key];
+  EXPECT_NSEQ(keys, [NSSet setWithArray:[expected allKeys]]);
+  NSMutableDictionary *edited = [[properties mutableCopy] autorelease];
+  [edited removeObjectForKey:@"HasAlpha"];
+  EXPECT_EQ([edited count], 5u);
+  EXPECT_EQ([properties count], 6u);
+  EXPECT_EQ([properties copy], properties);
+  [properties release];
   [properties release];
   EXPECT_EQ(CGImageSourceCopyPropertiesAtIndex(source, 1, NULL), (CFDictionaryRef)NULL);
   CFRelease(source);

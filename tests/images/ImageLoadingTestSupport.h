@@ -2,6 +2,8 @@
 // loading tests write their files.
 #pragma once
 
+#include <sys/stat.h>
+
 #import <AppKit/AppKit.h>
 
 #include <string>
@@ -60,6 +62,11 @@ class ImageLoadingTest : public PooledTest {
                                                attributes:nil
                                                     error:NULL];
     return [NSURL fileURLWithPath:Path(relative) isDirectory:YES];
+  }
+  // A FIFO with no writer: opening it for reading the usual way waits.
+  NSURL *MakeFIFO(NSString *relative) {
+    EXPECT_EQ(mkfifo([Path(relative) fileSystemRepresentation], 0600), 0);
+    return [NSURL fileURLWithPath:Path(relative)];
   }
   // A square opaque PNG of `side` pixels.
   NSURL *WritePNG(NSString *relative, uint32_t side) {

@@ -73,6 +73,7 @@ TEST_F(ImageLoading, UnloadableFilesGiveNilWithoutRaising) {
       Write(@"cut20.png", fx::Bytes(png.begin(), png.begin() + 20)),
       Write(@"cut.gif", fx::Bytes(gif.begin(), gif.begin() + long(gif.size() / 2))),
       MakeDirectory(@"folder.png"),
+      MakeFIFO(@"pipe.png"),
       URL(@"missing.png"),
       [NSURL URLWithString:@"http://127.0.0.1:9/icon.png"],
       [NSURL URLWithString:@"data:image/png;base64,AAAA"],

@@ -37,7 +37,8 @@ constexpr uint64_t kMaxPixels = uint64_t(1) << 28;
 
 // Whether GNUstep's readers may be given the file at `path`.
 bool IsSafeToRead(NSString *path) {
-  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC);
+  // Non-blocking: opening a FIFO named like an image would wait for a writer.
+  int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return false;
   bool safe = false;
   struct stat info;

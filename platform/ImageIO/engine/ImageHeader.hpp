@@ -53,9 +53,11 @@ class MemorySource : public ByteSource {
 // few kept: a header read costs a block or two whatever the file's size
 // (a TIFF directory at the end of the file, JPEG metadata segments before
 // the frame header are skipped over, not read). The descriptor stays the
-// caller's.
+// caller's. A size of kUnknownSize spares the caller an fstat: reads then
+// fail where the file ends, as they fail past a known size.
 class FileSource : public ByteSource {
  public:
+  static constexpr size_t kUnknownSize = SIZE_MAX;
   FileSource(int fd, size_t size) : fd_(fd), size_(size) {}
   size_t size() const override { return size_; }
   bool read(size_t offset, size_t count, uint8_t *out) override;
