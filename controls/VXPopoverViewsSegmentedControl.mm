@@ -110,6 +110,7 @@ static NSString *SegmentKey(NSInteger segment) {
   if (popoverWindow == nil) [self awakeFromNib];
   if (popoverWindow == nil) return;
 
+  [self _removeOtherAccessoryViewsFromPopup:view];
   // The popup takes the view's size, so that constraints pinning the view
   // inside it start satisfied.
   NSRect contentRect = NSMakeRect(0, 0, NSWidth([view frame]), NSHeight([view frame]));
@@ -202,6 +203,20 @@ static NSString *SegmentKey(NSInteger segment) {
   if (key != nil && key == [self window]) return;
   if ([key isMemberOfClass:[NSColorPanel class]]) return;
   [self dismissPopoverView];
+}
+
+// Emptying the popup leaves the view it showed inside it, pinned to its
+// edges. Another segment's view left there would be laid out at the new
+// view's size (and take it as its own the next time it shows) and fight its
+// constraints, so the views of the other segments are taken out first.
+- (void)_removeOtherAccessoryViewsFromPopup:(NSView *)shown {
+  NSView *holder = [popoverWindow contentView];
+  NSArray *views = [accessoryViews allValues];
+  for (NSView *subview in [[[holder subviews] copy] autorelease]) {
+    if (subview != shown && [views indexOfObjectIdenticalTo:subview] != NSNotFound) {
+      [subview removeFromSuperview];
+    }
+  }
 }
 
 - (NSRect)_popupFrameForSize:(NSSize)size {

@@ -221,4 +221,22 @@ TEST_F(PopoverSegmentedControlTest, ClickingAnotherSegmentShowsItsView) {
   ASSERT_TRUE(Shown());
   EXPECT_EQ([[control_ accessoryViewForSegment:1] window], [control_ _popoverWindow]);
   EXPECT_NEAR([[control_ _popoverWindow] frame].size.width, 120, 0.5);
+  // Back to the first: the popup is on screen above its parent again, at
+  // the first view's own size, the second view taken out of it.
+  ::Click(control_, NSMakePoint(30, 12));
+  Advance(1.0);
+  Pump(0.3);
+  ASSERT_TRUE(Shown());
+  EXPECT_NEAR([[control_ _popoverWindow] frame].size.width, 100, 0.5);
+  EXPECT_NEAR(NSWidth([first frame]), 100, 0.5);
+  EXPECT_EQ([[control_ accessoryViewForSegment:1] superview], nil);
+  EXPECT_EQ([first window], [control_ _popoverWindow]);
+  // The window list runs front to back.
+  NSArray *list =
+      [(NSArray *)CGWindowListCopyWindowInfo(kCGWindowListOptionOnScreenOnly, kCGNullWindowID) autorelease];
+  NSMutableArray *numbers = [NSMutableArray array];
+  for (NSDictionary *entry in list) [numbers addObject:[entry objectForKey:(NSString *)kCGWindowNumber]];
+  NSUInteger popup = [numbers indexOfObject:@([[control_ _popoverWindow] windowNumber])];
+  ASSERT_NE(popup, (NSUInteger)NSNotFound);
+  EXPECT_LT(popup, [numbers indexOfObject:@([window_ windowNumber])]);
 }
