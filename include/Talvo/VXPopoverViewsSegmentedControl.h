@@ -34,7 +34,9 @@ NS_ASSUME_NONNULL_BEGIN
 - (nullable NSView *)accessoryViewForSegment:(NSInteger)segment;
 /** The inherited click handling, then showPopoverView. */
 - (void)mouseDown:(NSEvent *)event;
-/** Dismisses any popup, then shows the selected segment's view, if any. */
+/** Dismisses any popup, then shows the selected segment's view, if any, in
+ * a popup of the view's frame size. Other segments' views that earlier shows
+ * left inside the popup are removed from it first. */
 - (void)showPopoverView;
 /** Hides the popup and stops watching clicks and the window; harmless when
  * nothing is shown. */
