@@ -269,6 +269,72 @@ inline Bytes BMP(const Picture &picture, int bits, bool topDown = false, uint32_
   return b;
 }
 
+// A little-endian palette TIFF of `bits` (4 or 8) per pixel whose pixels
+// are all entry 1 of its colour map, pure red; the rest of the map is black.
+inline Bytes PaletteTIFF(uint32_t width, uint32_t height, int bits) {
+  Bytes b = {'I', 'I'};
+  PutLE16(b, 42);
+  PutLE32(b, 0);  // the IFD's offset, patched below
+  uint32_t stride = (width * uint32_t(bits) + 7) / 8;
+  size_t pixels = b.size();
+  for (uint32_t y = 0; y < height; y++) {
+    for (uint32_t i = 0; i < stride; i++) b.push_back(bits == 4 ? 0x11 : 0x01);
+  }
+  if (b.size() % 2) b.push_back(0);
+  size_t map = b.size();
+  uint32_t entries = 1u << bits;
+  for (int channel = 0; channel < 3; channel++) {
+    for (uint32_t i = 0; i < entries; i++) PutLE16(b, channel == 0 && i == 1 ? 65535 : 0);
+  }
+  uint32_t ifd = uint32_t(b.size());
+  for (int i = 0; i < 4; i++) b[4 + size_t(i)] = uint8_t(ifd >> (8 * i));
+  const uint32_t fields[][4] = {{256, 3, 1, width},
+                                {257, 3, 1, height},
+                                {258, 3, 1, uint32_t(bits)},
+                                {259, 3, 1, 1},
+                                {262, 3, 1, 3},
+                                {273, 4, 1, uint32_t(pixels)},
+                                {277, 3, 1, 1},
+                                {278, 3, 1, height},
+                                {279, 4, 1, stride * height},
+                                {320, 3, 3 * entries, uint32_t(map)}};
+  PutLE16(b, uint32_t(sizeof fields / sizeof fields[0]));
+  for (const auto &f : fields) {
+    PutLE16(b, f[0]);
+    PutLE16(b, f[1]);
+    PutLE32(b, f[2]);
+    if (f[1] == 3 && f[2] == 1) {
+      PutLE16(b, f[3]);
+      PutLE16(b, 0);
+    } else {
+      PutLE32(b, f[3]);
+    }
+  }
+  PutLE32(b, 0);
+  return b;
+}
+
+// A GIF with 2-colour table whose pixels use values 0 to 3: the 4-colour
+// fixture with its table cut to the first two colours.
+inline Bytes GIFWithValuesPastItsTable(int width, int height) {
+  std::vector<uint8_t> indices(size_t(width) * size_t(height));
+  for (size_t i = 0; i < indices.size(); i++) indices[i] = uint8_t(i % 4);
+  Bytes gif = GIF(width, height, {{0, 0, width, height, indices}});
+  gif[10] = uint8_t((gif[10] & ~0x07) | 0x00);  // table of 2^(0+1) colours
+  gif.erase(gif.begin() + 13 + 6, gif.begin() + 13 + 12);
+  return gif;
+}
+
+// A GIF with no colour table at all: the fixture's table flag cleared and
+// its 12 bytes taken out.
+inline Bytes GIFWithoutPalette(int width, int height) {
+  std::vector<uint8_t> indices(size_t(width) * size_t(height), 1);
+  Bytes gif = GIF(width, height, {{0, 0, width, height, indices}});
+  gif[10] &= 0x7F;
+  gif.erase(gif.begin() + 13, gif.begin() + 13 + 12);
+  return gif;
+}
+
 // An uncompressed RGBA TIFF (unassociated alpha unless asked), in either byte order,
 // with `pages` identical directories; `orientation` and `dpi` > 0 add
 // those tags.

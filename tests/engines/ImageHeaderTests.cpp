@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 
+#include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 #include "tests/engines/ImageHeaderFixtures.hpp"
 
@@ -222,4 +223,45 @@ TEST(ImageHeader, FileOfUnknownSizeReadsAsItsBytes) {
     }
   }
   close(fd);
+}
+
+// What GNUstep's readers mishandle is told apart from what they read well,
+// and the decoder takes the palettes they would overrun.
+TEST(ImageDecoder, PaletteHazardsFoundAndDecoded) {
+  using talvo::imageio::DecodedImage;
+  using talvo::imageio::DecodeImage;
+  using talvo::imageio::HasPaletteHazards;
+  fx::Picture picture = fx::SplitPicture(6, 4);
+  const struct {
+    const char *name;
+    fx::Bytes bytes;
+    bool hazard;
+  } cases[] = {
+      {"gif", fx::GIF(4, 2, {{0, 0, 4, 2, {0, 1, 2, 3, 3, 2, 1, 0}}}), false},
+      {"gif without palette", fx::GIFWithoutPalette(3, 2), true},
+      {"gif past its palette", fx::GIFWithValuesPastItsTable(4, 2), true},
+      {"tiff palette 8", fx::PaletteTIFF(6, 3, 8), false},
+      {"tiff palette 4", fx::PaletteTIFF(6, 3, 4), true},
+      {"tiff rgba", fx::TIFF(picture, false, 2), false},
+      {"png", fx::PNG(picture), false},
+  };
+  for (const auto &c : cases) {
+    EXPECT_EQ(HasPaletteHazards(c.bytes.data(), c.bytes.size()), c.hazard) << c.name;
+  }
+  EXPECT_FALSE(HasPaletteHazards(nullptr, 10));
+
+  DecodedImage image;
+  fx::Bytes tiff = fx::PaletteTIFF(7, 3, 4);  // odd width: half a byte of padding a row
+  ASSERT_TRUE(DecodeImage(tiff.data(), tiff.size(), 0, &image));
+  EXPECT_EQ(image.width, 7u);
+  for (size_t i = 0; i < size_t(7 * 3); i++) {
+    EXPECT_EQ(image.rgba[i * 4], 255) << i;
+    EXPECT_EQ(image.rgba[i * 4 + 1], 0) << i;
+  }
+  fx::Bytes gif = fx::GIFWithValuesPastItsTable(4, 2);
+  ASSERT_TRUE(DecodeImage(gif.data(), gif.size(), 0, &image));
+  EXPECT_EQ(image.rgba[0 * 4 + 3], 255) << "value 0";
+  EXPECT_EQ(image.rgba[2 * 4 + 3], 0) << "value 2 has no colour";
+  fx::Bytes bare = fx::GIFWithoutPalette(3, 2);
+  EXPECT_FALSE(DecodeImage(bare.data(), bare.size(), 0, &image));
 }

@@ -72,3 +72,36 @@ TEST_F(ImageLoadingRobustness, ImageSourceFunctionsOnWrongObjects) {
   EXPECT_CALM(CGImageSourceGetType((CGImageSourceRef)wrong));
   EXPECT_CALM(CGImageSourceCreateImageAtIndex((CGImageSourceRef)wrong, SIZE_MAX, NULL));
 }
+
+// GNUstep's GIF reader reads through a missing colour table and past a
+// short one, and its TIFF reader writes past its buffer for palettes under
+// 8 bits: such files never reach them. Image I/O decodes what it can.
+TEST_F(ImageLoadingRobustness, PalettesGNUstepMishandlesAreDecodedByImageIO) {
+  NSImage *image = [[NSImage alloc] initWithDefinitionContentsOfURL:Write(@"bare.gif", fx::GIFWithoutPalette(3, 2))];
+  EXPECT_EQ(image, nil) << "no palette: nothing to show";
+  [image release];
+
+  image = [[NSImage alloc] initWithDefinitionContentsOfURL:Write(@"short.gif", fx::GIFWithValuesPastItsTable(4, 2))];
+  ASSERT_NE(image, nil);
+  EXPECT_NSSIZE_EQ([image size], 4, 2);
+  NSBitmapImageRep *rep = (NSBitmapImageRep *)[[image representations] firstObject];
+  ASSERT_TRUE([rep isKindOfClass:[NSBitmapImageRep class]]);
+  EXPECT_EQ([[rep colorAtX:0 y:0] redComponent], 1.0) << "value 0, red";
+  EXPECT_EQ([[rep colorAtX:2 y:0] alphaComponent], 0.0) << "value 2, past the table";
+  [image release];
+
+  for (int bits : {4, 8}) {
+    SCOPED_TRACE(bits);
+    image = [[NSImage alloc] initWithDefinitionContentsOfURL:
+                                 Write([NSString stringWithFormat:@"palette%d.tif", bits],
+                                       fx::PaletteTIFF(6, 3, bits))];
+    ASSERT_NE(image, nil);
+    EXPECT_NSSIZE_EQ([image size], 6, 3);
+    rep = (NSBitmapImageRep *)[[image representations] firstObject];
+    ASSERT_TRUE([rep isKindOfClass:[NSBitmapImageRep class]]);
+    NSColor *colour = [[rep colorAtX:5 y:2] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+    EXPECT_NEAR([colour redComponent], 1.0, 0.01);
+    EXPECT_NEAR([colour greenComponent], 0.0, 0.01);
+    [image release];
+  }
+}

@@ -11,7 +11,11 @@
  * raise that still happens gives nil, and an image without
  * representations is nil, as on macOS. Other schemes and other formats go
  * to GNUstep unchanged. A truncated JPEG, which macOS shows in part, is
- * refused here.
+ * refused here. GIF and TIFF files whose palettes GNUstep's readers
+ * mishandle (ImageDecoder.hpp, HasPaletteHazards: a null or overrun colour
+ * table, a small-palette TIFF written past its buffer) are decoded by Image
+ * I/O instead: one bitmap per TIFF page, a GIF's first frame (GNUstep's own
+ * reader would keep the other frames; these do not animate).
  */
 #import <AppKit/AppKit.h>
 
@@ -19,6 +23,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ImageIO/ImageIO.h>
+
+#include "platform/ImageIO/engine/ImageDecoder.hpp"
 #include "platform/ImageIO/engine/ImageHeader.hpp"
 #import "platform/objc/TVRuntime.h"
 
@@ -35,35 +42,84 @@ TVInitWithURLIMP gOriginalInitWithContentsOfURL = NULL;
 
 constexpr uint64_t kMaxPixels = uint64_t(1) << 28;
 
-// Whether GNUstep's readers may be given the file at `path`.
-bool IsSafeToRead(NSString *path) {
+// Who reads the file at `path`: nobody, GNUstep's readers, or Image I/O's
+// decoder for what GNUstep's readers would mishandle.
+enum class Reader { None, GNUstep, ImageIO };
+
+Reader ReaderFor(NSString *path) {
   // Non-blocking: opening a FIFO named like an image would wait for a writer.
   int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (fd < 0) return false;
-  bool safe = false;
+  if (fd < 0) return Reader::None;
+  Reader reader = Reader::None;
   struct stat info;
   if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
     io::FileSource file(fd, size_t(info.st_size));
     uint8_t head[12] = {0};
     size_t n = info.st_size < 12 ? size_t(info.st_size) : 12;
     io::Format format = file.read(0, n, head) ? io::SniffFormat(head, n) : io::Format::Unknown;
+    io::HeaderInfo header;
     if (format == io::Format::Unknown) {
-      safe = true;  // GNUstep may know formats Image I/O does not
-    } else {
-      io::HeaderInfo header;
-      safe = io::ReadHeader(file, &header, false) &&
-             uint64_t(header.width) * header.height <= kMaxPixels &&
-             io::LooksComplete(file, header);
+      reader = Reader::GNUstep;  // GNUstep may know formats Image I/O does not
+    } else if (io::ReadHeader(file, &header, false) &&
+               uint64_t(header.width) * header.height <= kMaxPixels &&
+               io::LooksComplete(file, header)) {
+      reader = Reader::GNUstep;
+      // Only GIF and TIFF palettes can hurt GNUstep's readers: those files
+      // are read whole and looked through.
+      if (format == io::Format::GIF || format == io::Format::TIFF) {
+        NSData *bytes = [NSData dataWithContentsOfFile:path];
+        if (bytes == nil) {
+          reader = Reader::None;
+        } else if (io::HasPaletteHazards(static_cast<const uint8_t *>([bytes bytes]),
+                                         [bytes length])) {
+          reader = Reader::ImageIO;
+        }
+      }
     }
   }
   close(fd);
-  return safe;
+  return reader;
+}
+
+// The receiver, initialised with a bitmap per image Image I/O decodes from
+// the file (a TIFF's pages; a GIF's first frame, composed), or released
+// and nil when there is none.
+NSImage *InitWithImageIO(NSImage *image, NSURL *url) {
+  CGImageSourceRef source = CGImageSourceCreateWithURL((CFURLRef)url, NULL);
+  size_t count = source != NULL ? CGImageSourceGetCount(source) : 0;
+  if (source != NULL && [(NSString *)CGImageSourceGetType(source) isEqual:@"com.compuserve.gif"]) {
+    count = count > 0 ? 1 : 0;
+  }
+  NSMutableArray *reps = [NSMutableArray array];
+  for (size_t i = 0; i < count; ++i) {
+    CGImageRef picture = CGImageSourceCreateImageAtIndex(source, i, NULL);
+    if (picture == NULL) continue;
+    NSBitmapImageRep *rep = [[NSBitmapImageRep alloc] initWithCGImage:picture];
+    CGImageRelease(picture);
+    if (rep != nil) [reps addObject:rep];
+    [rep release];
+  }
+  if (source != NULL) CFRelease(source);
+  if ([reps count] == 0) {
+    [image release];
+    return nil;
+  }
+  image = [image initWithSize:[[reps objectAtIndex:0] size]];
+  [image addRepresentations:reps];
+  return image;
 }
 
 id TVInitWithContentsOfURL(NSImage *image, SEL selector, NSURL *url) {
-  if ([url isKindOfClass:[NSURL class]] && [url isFileURL] && !IsSafeToRead([url path])) {
-    [image release];
-    return nil;
+  if ([url isKindOfClass:[NSURL class]] && [url isFileURL]) {
+    switch (ReaderFor([url path])) {
+      case Reader::None:
+        [image release];
+        return nil;
+      case Reader::ImageIO:
+        return InitWithImageIO(image, url);
+      case Reader::GNUstep:
+        break;
+    }
   }
   id loaded = nil;
   @try {

@@ -272,20 +272,26 @@ int TIFFMapNothing(thandle_t, void **, toff_t *) { return 0; }
 void TIFFUnmapNothing(thandle_t, void *, toff_t) {}
 int TIFFQuiet(TIFF *, void *, const char *, const char *, va_list) { return 1; }
 
-bool DecodeTIFF(const uint8_t *data, size_t size, size_t index, const DecodeLimits &limits,
-                DecodedImage *out) {
-  MemoryReader reader = {data, size, 0};
+// A TIFF over `reader`, quiet: messages stay with this handle, as
+// libtiff's global handlers belong to whoever else uses the library in the
+// process.
+TIFF *OpenTIFF(MemoryReader *reader, const DecodeLimits &limits) {
   TIFFOpenOptions *options = TIFFOpenOptionsAlloc();
-  if (options == nullptr) return false;
-  // Messages stay with this handle: libtiff's global handlers belong to
-  // whoever else uses the library in the process.
+  if (options == nullptr) return nullptr;
   TIFFOpenOptionsSetErrorHandlerExtR(options, TIFFQuiet, nullptr);
   TIFFOpenOptionsSetWarningHandlerExtR(options, TIFFQuiet, nullptr);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(limits.maxPixels * 4 + 4096));
-  TIFF *tiff = TIFFClientOpenExt("memory", "rm", &reader, TIFFReadMemory, TIFFWriteNothing,
+  TIFF *tiff = TIFFClientOpenExt("memory", "rm", reader, TIFFReadMemory, TIFFWriteNothing,
                                  TIFFSeekMemory, TIFFCloseNothing, TIFFSizeMemory, TIFFMapNothing,
                                  TIFFUnmapNothing, options);
   TIFFOpenOptionsFree(options);
+  return tiff;
+}
+
+bool DecodeTIFF(const uint8_t *data, size_t size, size_t index, const DecodeLimits &limits,
+                DecodedImage *out) {
+  MemoryReader reader = {data, size, 0};
+  TIFF *tiff = OpenTIFF(&reader, limits);
   if (tiff == nullptr) return false;
   bool ok = index <= 0xFFFF && TIFFSetDirectory(tiff, tdir_t(index));
   uint32_t width = 0, height = 0;
@@ -446,7 +452,88 @@ bool DecodeBMP(const uint8_t *data, size_t size, const DecodeLimits &limits, Dec
   return true;
 }
 
+// --- Palette hazards ---------------------------------------------------------
+
+// Whether some image of the GIF has no colour table or a pixel value past
+// its table. Frames are read a row at a time, nothing composed; a GIF that
+// does not read through is no hazard here (the decoders refuse it).
+bool GIFHasPaletteHazards(const uint8_t *data, size_t size, const DecodeLimits &limits) {
+  MemoryReader reader = {data, size, 0};
+  int error = 0;
+  GifFileType *gif = DGifOpen(&reader, GIFRead, &error);
+  if (gif == nullptr) return false;
+  bool hazard = false;
+  std::vector<uint8_t> row;
+  GifRecordType record = UNDEFINED_RECORD_TYPE;
+  while (!hazard && DGifGetRecordType(gif, &record) != GIF_ERROR &&
+         record != TERMINATE_RECORD_TYPE) {
+    if (record == EXTENSION_RECORD_TYPE) {
+      int code = 0;
+      GifByteType *extension = nullptr;
+      if (DGifGetExtension(gif, &code, &extension) == GIF_ERROR) break;
+      while (extension != nullptr) {
+        if (DGifGetExtensionNext(gif, &extension) == GIF_ERROR) break;
+      }
+      if (extension != nullptr) break;
+    } else if (record == IMAGE_DESC_RECORD_TYPE) {
+      if (DGifGetImageDesc(gif) == GIF_ERROR) break;
+      const GifImageDesc &desc = gif->Image;
+      if (desc.Width <= 0 || desc.Height <= 0 ||
+          uint64_t(desc.Width) * uint64_t(desc.Height) > limits.maxPixels) {
+        break;
+      }
+      const ColorMapObject *map = desc.ColorMap != nullptr ? desc.ColorMap : gif->SColorMap;
+      if (map == nullptr) {
+        hazard = true;
+        break;
+      }
+      row.assign(size_t(desc.Width), 0);
+      for (int y = 0; y < desc.Height && !hazard; y++) {
+        if (DGifGetLine(gif, row.data(), desc.Width) == GIF_ERROR) break;
+        for (uint8_t entry : row) {
+          if (entry >= map->ColorCount) hazard = true;
+        }
+      }
+    }
+  }
+  DGifCloseFile(gif, &error);
+  return hazard;
+}
+
+// Whether some directory of the TIFF is a palette image of fewer than 8
+// bits per sample.
+bool TIFFHasPaletteHazards(const uint8_t *data, size_t size, const DecodeLimits &limits) {
+  MemoryReader reader = {data, size, 0};
+  TIFF *tiff = OpenTIFF(&reader, limits);
+  if (tiff == nullptr) return false;
+  bool hazard = false;
+  // A directory chain that loops is cut short by libtiff.
+  for (int directories = 0; !hazard && directories < 0xFFFF; directories++) {
+    uint16_t photometric = 0, bits = 0;
+    if (TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric) &&
+        photometric == PHOTOMETRIC_PALETTE) {
+      TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
+      hazard = bits < 8;
+    }
+    if (!TIFFReadDirectory(tiff)) break;
+  }
+  TIFFClose(tiff);
+  return hazard;
+}
+
 }  // namespace
+
+bool HasPaletteHazards(const uint8_t *data, size_t size, const DecodeLimits &limits) {
+  if (data == nullptr || size == 0) return false;
+  switch (SniffFormat(data, size)) {
+    case Format::GIF:
+      return GIFHasPaletteHazards(data, size, limits);
+    case Format::TIFF:
+      return TIFFHasPaletteHazards(data, size, limits);
+    default:
+      return false;
+  }
+}
 
 bool DecodeImage(const uint8_t *data, size_t size, size_t index, DecodedImage *out,
                  const DecodeLimits &limits) {

@@ -35,4 +35,13 @@ struct DecodeLimits {
 bool DecodeImage(const uint8_t *data, size_t size, size_t index, DecodedImage *out,
                  const DecodeLimits &limits = DecodeLimits());
 
+// Palettes that GNUstep 0.29's own readers mishandle: a GIF image with no
+// colour table (read through a null table) or with pixel values past its
+// table (read past it), and a TIFF palette image of fewer than 8 bits per
+// sample (expanded past its pixel buffer). True when `data` holds any.
+// DecodeImage reads the last two (a value past the table stays
+// transparent) and refuses the first.
+bool HasPaletteHazards(const uint8_t *data, size_t size,
+                       const DecodeLimits &limits = DecodeLimits());
+
 }  // namespace talvo::imageio
