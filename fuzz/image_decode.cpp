@@ -1,5 +1,5 @@
 // Image I/O's decoders (libpng, libjpeg-turbo, giflib, libtiff, libwebp
-// and the BMP reader) on arbitrary bytes, under a pixel limit that keeps
+// and the BMP reader), and the palette scan, on arbitrary bytes, under a pixel limit that keeps
 // declared sizes from exhausting memory. Beyond the sanitizers it checks
 // that a decoded image's buffer matches its size and that the header
 // reader agrees on the size of single-image formats.
@@ -19,6 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   std::vector<uint8_t> bytes(data + 1, data + size);
   io::DecodeLimits limits;
   limits.maxPixels = 1u << 22;
+  // The palette scan reads the same files the loader hands it.
+  io::HasPaletteHazards(bytes.data(), bytes.size(), limits);
   io::DecodedImage image;
   if (!io::DecodeImage(bytes.data(), bytes.size(), index, &image, limits)) {
     if (!image.rgba.empty() || image.width != 0) abort();
