@@ -95,11 +95,19 @@ TEST_F(ImageLoading, UnloadableFilesGiveNilWithoutRaising) {
   }
   NSImage *image = [[NSImage alloc] initWithDefinitionContentsOfURL:NullOf<NSURL *>()];
   EXPECT_EQ(image, nil);
-  // A truncated JPEG may load partially, as on macOS, but never raises.
-  fx::Bytes jpeg = fx::JPEG(fx::SplitPicture(40, 30));
+  // A truncated JPEG loads in part, as on macOS: the rows that arrived.
+  // (Big enough for its tables to fill less than half the file.)
+  fx::Bytes jpeg = fx::JPEG(fx::SplitPicture(400, 300));
   NSURL *cut = Write(@"cut.jpg", fx::Bytes(jpeg.begin(), jpeg.begin() + long(jpeg.size() / 2)));
   @try {
-    [[[NSImage alloc] initWithDefinitionContentsOfURL:cut] release];
+    Owned<NSImage> partial([[NSImage alloc] initWithDefinitionContentsOfURL:cut]);
+    ASSERT_NE(partial.get(), nil);
+    EXPECT_NSSIZE_EQ([partial.get() size], 400, 300);
+    NSBitmapImageRep *rep = (NSBitmapImageRep *)[[partial.get() representations] firstObject];
+    ASSERT_TRUE([rep isKindOfClass:[NSBitmapImageRep class]]);
+    NSColor *topLeft = [[rep colorAtX:2 y:2] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+    EXPECT_GT([topLeft redComponent], 0.8);
+    EXPECT_LT([topLeft blueComponent], 0.2);
   } @catch (NSException *exception) {
     ADD_FAILURE() << "truncated JPEG raised";
   }

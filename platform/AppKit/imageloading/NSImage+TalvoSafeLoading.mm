@@ -10,8 +10,9 @@
  * LooksComplete); empty files and directories are refused outright. A
  * raise that still happens gives nil, and an image without
  * representations is nil, as on macOS. Other schemes and other formats go
- * to GNUstep unchanged. A truncated JPEG, which macOS shows in part, is
- * refused here. GIF and TIFF files whose palettes GNUstep's readers
+ * to GNUstep unchanged. A truncated JPEG is decoded by Image I/O, which
+ * gives the rows that arrived (the rest grey, libjpeg's fill), as macOS
+ * shows it in part. GIF and TIFF files whose palettes GNUstep's readers
  * mishandle (ImageDecoder.hpp, HasPaletteHazards: a null or overrun colour
  * table, a small-palette TIFF written past its buffer) are decoded by Image
  * I/O instead: one bitmap per TIFF page, a GIF's first frame (GNUstep's own
@@ -60,9 +61,14 @@ Reader ReaderFor(NSString *path) {
     io::HeaderInfo header;
     if (format == io::Format::Unknown) {
       reader = Reader::GNUstep;  // GNUstep may know formats Image I/O does not
-    } else if (io::ReadHeader(file, &header, false) &&
-               uint64_t(header.width) * header.height <= kMaxPixels &&
-               io::LooksComplete(file, header)) {
+    } else if (!io::ReadHeader(file, &header, false) ||
+               uint64_t(header.width) * header.height > kMaxPixels) {
+      reader = Reader::None;
+    } else if (!io::LooksComplete(file, header)) {
+      // A JPEG cut short shows the rows that arrived, as on macOS; other
+      // formats cut short are refused.
+      reader = format == io::Format::JPEG ? Reader::ImageIO : Reader::None;
+    } else {
       reader = Reader::GNUstep;
       // Only GIF and TIFF palettes can hurt GNUstep's readers: those files
       // are read whole and looked through.
