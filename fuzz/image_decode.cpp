@@ -1,8 +1,8 @@
 // Image I/O's decoders (libpng, libjpeg-turbo, giflib, libtiff, libwebp
-// and the BMP reader), and the palette scan, on arbitrary bytes, under a pixel limit that keeps
-// declared sizes from exhausting memory. Beyond the sanitizers it checks
-// that a decoded image's buffer matches its size and that the header
-// reader agrees on the size of single-image formats.
+// and the BMP reader) and its palette scan on arbitrary bytes, under a
+// pixel limit that keeps declared sizes from exhausting memory. Beyond the
+// sanitizers it checks that a decoded image's buffer matches its size and
+// that the header reader agrees on the size of single-image formats.
 #include <cstdint>
 #include <cstdlib>
 #include <vector>

@@ -34,8 +34,9 @@ const CFStringRef kCGImagePropertyHasAlpha = (CFStringRef) @"HasAlpha";
   io::HeaderInfo *_header;  // NULL when the header is unreadable
 }
 - (instancetype)initWithBytes:(NSData *)bytes;
-// The header is read from the open file `fd`, which stays the caller's.
-- (instancetype)initWithPath:(NSString *)path file:(int)fd size:(size_t)size;
+// The header is read from the open file `fd`, which stays the caller's,
+// up to where the file ends (its size is not asked).
+- (instancetype)initWithPath:(NSString *)path file:(int)fd;
 - (const io::HeaderInfo *)header;
 // The header with the image count of the whole file: GIF frames and TIFF
 // directories further on than the first block are counted.
@@ -57,13 +58,13 @@ const CFStringRef kCGImagePropertyHasAlpha = (CFStringRef) @"HasAlpha";
   return self;
 }
 
-- (instancetype)initWithPath:(NSString *)path file:(int)fd size:(size_t)size {
+- (instancetype)initWithPath:(NSString *)path file:(int)fd {
   if ((self = [super init]) == nil) return nil;
   _path = [path copy];
   _partial = YES;
   // Counting GIF frames or TIFF directories can mean reading the whole
   // file: that waits until the count is asked for.
-  io::FileSource file(fd, size);
+  io::FileSource file(fd, io::FileSource::kUnknownSize);
   io::HeaderInfo header;
   if (io::ReadHeader(file, &header, false)) _header = new io::HeaderInfo(header);
   return self;
@@ -140,9 +141,7 @@ CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef option
   // directory or a device has no source).
   int fd = open([path fileSystemRepresentation], O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return NULL;
-  _TVImageSource *source = [[SourceClass() alloc] initWithPath:path
-                                                          file:fd
-                                                          size:io::FileSource::kUnknownSize];
+  _TVImageSource *source = [[SourceClass() alloc] initWithPath:path file:fd];
   struct stat info;
   if ([source header] == NULL && (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))) {
     [source release];

@@ -4,41 +4,6 @@
 #error "Talvo is built with manual reference counting."
 #endif
 
-// Hands out the keys of a property dictionary, which it keeps alive.
-@interface _TVPropertyKeyEnumerator : NSEnumerator {
-  _TVPropertyDictionary *_dictionary;
-  const id *_keys;
-  NSUInteger _count;
-  NSUInteger _next;
-}
-- (instancetype)initWithDictionary:(_TVPropertyDictionary *)dictionary
-                              keys:(const id *)keys
-                             count:(NSUInteger)count;
-@end
-
-@implementation _TVPropertyKeyEnumerator
-
-- (instancetype)initWithDictionary:(_TVPropertyDictionary *)dictionary
-                              keys:(const id *)keys
-                             count:(NSUInteger)count {
-  if ((self = [super init]) == nil) return nil;
-  _dictionary = [dictionary retain];
-  _keys = keys;
-  _count = count;
-  return self;
-}
-
-- (void)dealloc {
-  [_dictionary release];
-  [super dealloc];
-}
-
-- (id)nextObject {
-  return _next < _count ? _keys[_next++] : nil;
-}
-
-@end
-
 @implementation _TVPropertyDictionary
 
 + (instancetype)newWithObjects:(const id *)values forKeys:(const id *)keys count:(NSUInteger)count {
@@ -75,9 +40,9 @@
   return nil;
 }
 
+// Rarely asked of image properties: an array of the keys does.
 - (NSEnumerator *)keyEnumerator {
-  return [[[_TVPropertyKeyEnumerator alloc] initWithDictionary:self keys:_keys count:_count]
-      autorelease];
+  return [[NSArray arrayWithObjects:_keys count:_count] objectEnumerator];
 }
 
 // GNUstep's dictionary leaves fast enumeration to its subclasses. The keys

@@ -71,9 +71,9 @@ Reader ReaderFor(NSString *path) {
     } else {
       reader = Reader::GNUstep;
       // Only GIF and TIFF palettes can hurt GNUstep's readers: those files
-      // are read whole and looked through.
+      // are looked through, mapped rather than copied.
       if (format == io::Format::GIF || format == io::Format::TIFF) {
-        NSData *bytes = [NSData dataWithContentsOfFile:path];
+        NSData *bytes = [NSData dataWithContentsOfMappedFile:path];
         if (bytes == nil) {
           reader = Reader::None;
         } else if (io::HasPaletteHazards(static_cast<const uint8_t *>([bytes bytes]),
