@@ -1,7 +1,8 @@
 // Image loading measured against its floors: +[NSImage sizeForFileAtURL:]
 // per file of each format against opening, reading the first block and
-// closing the same file (what any header read must do), the bare header
-// parse on bytes in memory, and a directory of 100 small PNGs (50 at @1x,
+// closing the same file (what any header read must do), the same over a
+// folder of 10, 100 and 1000 distinct files, the bare header parse on bytes
+// in memory, and a directory of 100 small PNGs (50 at @1x,
 // 50 at @2x) loaded into one image against GNUstep loading the same files
 // one by one.
 //
@@ -118,6 +119,55 @@ void BM_SizeForFileAtURL(benchmark::State &state) {
   [pool drain];
 }
 BENCHMARK(BM_SizeForFileAtURL)->Apply(FormatLabels)->Unit(benchmark::kMicrosecond);
+
+// A folder of N distinct PNG files (N = 10, 100, 1000), each probed once a
+// pass: the size probe over every file against the floor over the same
+// files, so that the directory lookups of many names count on both sides.
+NSArray *ManyPNGs(int count) {
+  static NSMutableDictionary *made = [NSMutableDictionary new];
+  NSNumber *key = [NSNumber numberWithInt:count];
+  NSArray *urls = [made objectForKey:key];
+  if (urls != nil) return urls;
+  NSString *folder = [gDirectory stringByAppendingPathComponent:[key stringValue]];
+  [[NSFileManager defaultManager] createDirectoryAtPath:folder
+                            withIntermediateDirectories:YES
+                                             attributes:nil
+                                                  error:NULL];
+  NSMutableArray *list = [NSMutableArray array];
+  for (int i = 0; i < count; i++) {
+    NSString *path = [folder stringByAppendingPathComponent:[NSString stringWithFormat:@"icon%d.png", i]];
+    WriteFile(path, Samples()[0].bytes);
+    [list addObject:[NSURL fileURLWithPath:path]];
+  }
+  [made setObject:list forKey:key];
+  return list;
+}
+
+void BM_ManyFilesOpenReadCloseFloor(benchmark::State &state) {
+  std::vector<std::string> paths;
+  for (NSURL *url in ManyPNGs(int(state.range(0)))) paths.push_back([[url path] fileSystemRepresentation]);
+  char buffer[4096];
+  for (auto _ : state) {
+    for (const std::string &path : paths) {
+      int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+      benchmark::DoNotOptimize(read(fd, buffer, sizeof buffer));
+      close(fd);
+    }
+  }
+  state.SetItemsProcessed(int64_t(state.iterations()) * state.range(0));
+}
+BENCHMARK(BM_ManyFilesOpenReadCloseFloor)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void BM_ManyFilesSizeForFileAtURL(benchmark::State &state) {
+  NSArray *urls = ManyPNGs(int(state.range(0)));
+  for (auto _ : state) {
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    for (NSURL *url in urls) benchmark::DoNotOptimize([NSImage sizeForFileAtURL:url]);
+    [pool drain];
+  }
+  state.SetItemsProcessed(int64_t(state.iterations()) * state.range(0));
+}
+BENCHMARK(BM_ManyFilesSizeForFileAtURL)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 // The parse alone, on bytes already in memory.
 void BM_HeaderParseInMemory(benchmark::State &state) {
